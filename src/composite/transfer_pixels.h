@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+
+#include "image/float_image.h"
+
+namespace vireon {
+
+/// What every pixel of one compositing shares.
+struct BlendSettings {
+    float glowOpacity;    ///< fraction; factor of the glow's alpha
+    float sourceOpacity;  ///< fraction; factor of the source's alpha
+    bool forceOpaque;     ///< the result's alpha is 1.0
+};
+
+/// Blends the glow (T) over the source (K), pixel by pixel; the result takes the glow's place. Both
+/// are float images of one size, straight colour in any range, and must not overlap.
+///
+/// With a_t = glow opacity x T.A and a_k = source opacity x K.A, the result's alpha is
+/// a_k + a_t - a_k a_t. Where a_t is 0 the source's colour stays as it is; elsewhere colours below
+/// 0 count as 0, nothing is limited above. Values that are not finite stay at their own place.
+using BlendRoutine = void (*)(const FloatImage& glow, const FloatImage& source,
+                              const BlendSettings& settings);
+
+/// Routine of a transfer-mode code in the host's numbering, or null for codes that do nothing.
+BlendRoutine BlendRoutineOf(std::int32_t mode);
+
+}  // namespace vireon

@@ -1,0 +1,190 @@
+#include "render/render_driver.h"
+
+#include <memory>
+#include <utility>
+
+#include "glow/glow_pipeline.h"
+#include "host/plugin_host_api.h"
+#include "host/result_codes.h"
+#include "image/pixel_format.h"
+#include "render/custom_shape.h"
+#include "render/glow_params.h"
+#include "render/glow_settings.h"
+#include "render/parameter_ids.h"
+#include "render/raster_ops.h"
+
+namespace vireon {
+namespace {
+
+// A layer parameter from its check-out to its check-in.
+class CheckedOutLayer {
+  public:
+    CheckedOutLayer() = default;
+    CheckedOutLayer(const CheckedOutLayer&) = delete;
+    CheckedOutLayer& operator=(const CheckedOutLayer&) = delete;
+    ~CheckedOutLayer() {
+        if (host_ == nullptr) return;
+        raster_.reset();
+        host_->checkinLayer(index_);
+    }
+
+    void checkOut(PluginHost_API& host, std::int32_t index, std::int32_t identifier) {
+        raster_ = host.checkoutLayer(index, identifier);
+        host_ = &host;
+        index_ = index;
+    }
+    /// Null when the layer is absent.
+    PluginRaster_API* raster() const { return raster_.get(); }
+
+  private:
+    PluginHost_API* host_ = nullptr;
+    std::int32_t index_ = 0;
+    std::unique_ptr<PluginRaster_API> raster_;
+};
+
+// A raster and, where it is not float, the float copy that the pipeline works on instead.
+class WorkRaster {
+  public:
+    /// Keeps `original` without owning it. A copy that cannot be made leaves the original in place
+    /// and the reason in `error`.
+    void use(PluginHost_API& host, PluginRaster_API* original, std::int32_t& error) {
+        current_ = original;
+        if (original == nullptr || IsFloatRaster(host, *original)) return;
+        std::int32_t copyError = 0;
+        copy_ = ConvertToFloat(host, *original, copyError);
+        if (copy_) {
+            current_ = copy_.get();
+        } else if (error == 0) {
+            error = copyError != 0 ? copyError : kRenderFailed;
+        }
+    }
+    PluginRaster_API* get() const { return current_; }
+    PluginRaster_API& operator*() const { return *current_; }
+    bool isCopy() const { return static_cast<bool>(copy_); }
+
+  private:
+    PluginRaster_API* current_ = nullptr;
+    ScopedRaster copy_;
+};
+
+// Shows the custom shape to the host object for as long as the kernel lives.
+class ScopedCustomShape {
+  public:
+    explicit ScopedCustomShape(PluginHost_API& host) : host_(host) {
+        host_.setCustomShape(nullptr);
+    }
+    ScopedCustomShape(const ScopedCustomShape&) = delete;
+    ScopedCustomShape& operator=(const ScopedCustomShape&) = delete;
+    ~ScopedCustomShape() { host_.setCustomShape(nullptr); }
+
+    void set(GlowKernel kernel) {
+        kernel_ = std::move(kernel);
+        host_.setCustomShape(&kernel_);
+    }
+
+  private:
+    PluginHost_API& host_;
+    GlowKernel kernel_;
+};
+
+// Everything that a render takes and makes. Members are declared in the reverse of the order in
+// which they have to be given back: the working raster and the views go first, then the layers,
+// each before the float copy that was made of it.
+struct Frame {
+    explicit Frame(PluginHost_API& host) : customShape(host) {}
+
+    ScopedCustomShape customShape;
+    WorkRaster shape;
+    CheckedOutLayer shapeLayer;
+    WorkRaster mask;
+    CheckedOutLayer maskLayer;
+    WorkRaster source;
+    WorkRaster output;
+    WorkRaster input;
+    CheckedOutLayer glowLayer;
+    std::unique_ptr<PluginRaster_API> hostInput;
+    std::unique_ptr<PluginRaster_API> hostOutput;
+    ScopedRaster working;
+};
+
+// A memory raster takes the channel order of the host's frames, whose pixels it will hold; never
+// their depth, for which it may be too small.
+void AdoptFormat(PluginRaster_API& working, const RasterLayout& output) {
+    RasterLayout* record = working.layoutRecord();
+    if (record == nullptr || DepthOfFormat(output.formatCode) != working.depth()) return;
+    record->formatCode = output.formatCode;
+}
+
+std::int32_t RenderFrame(PluginHost_API& host, Frame& frame) {
+    PluginRaster_API& hostInput = *frame.hostInput;
+    PluginRaster_API& hostOutput = *frame.hostOutput;
+
+    std::int32_t error = 0;
+    const RasterLayout inputLayout = DescribeRaster(host, hostInput, error);
+    RasterLayout outputLayout;
+    if (error == 0) error = host.outputLayout(outputLayout);
+    if (error == 0) {
+        frame.working = CreateWorkingRaster(host, inputLayout.width, inputLayout.height,
+                                            DepthOfFormat(inputLayout.formatCode),
+                                            /*clear=*/true, error);
+    }
+    if (!frame.working) {
+        ClearRaster(host, hostOutput);
+        return error != 0 ? error : kRenderFailed;
+    }
+    AdoptFormat(*frame.working, outputLayout);
+
+    const GlowParams params = ReadGlowParams(host, inputLayout.width, inputLayout.height);
+    GlowSettings settings;
+    settings.fill(params);
+
+    if (params.shape == kCustomGlowShape) {
+        frame.shapeLayer.checkOut(host, kParamShapeLayer, kShapeLayerId);
+        if (frame.shapeLayer.raster() == nullptr) {
+            // A glow of no shape: the frame is transparent.
+            ClearRaster(host, hostOutput);
+            return kSuccess;
+        }
+    }
+    if (params.maskRadius != 0.0) {
+        frame.maskLayer.checkOut(host, kParamMaskLayer, kMaskLayerId);
+    }
+    frame.glowLayer.checkOut(host, kParamGlowLayer, kGlowLayerId);
+    PluginRaster_API* const glowLayer = frame.glowLayer.raster();
+    error = CopyRaster(host, *frame.working, glowLayer != nullptr ? *glowLayer : hostInput);
+    if (error != 0) {
+        ClearRaster(host, hostOutput);
+        return error;
+    }
+
+    frame.input.use(host, &hostInput, error);
+    frame.output.use(host, &hostOutput, error);
+    frame.source.use(host, frame.working.get(), error);
+    frame.mask.use(host, frame.maskLayer.raster(), error);
+    frame.shape.use(host, frame.shapeLayer.raster(), error);
+    if (error != 0) {
+        ClearRaster(host, hostOutput);
+        return error;
+    }
+
+    if (frame.shape.get() != nullptr) {
+        frame.customShape.set(MakeCustomShape(ViewRaster(host, *frame.shape)));
+    }
+    const std::int32_t result =
+        RenderGlow(host, settings, {*frame.source, *frame.input, *frame.output, frame.mask.get()});
+    if (!frame.output.isCopy()) return result;
+    const std::int32_t written = ConvertFromFloat(host, hostOutput, *frame.output);
+    return result != kSuccess ? result : written;
+}
+
+}  // namespace
+
+std::int32_t DriveRender(PluginHost_API& host) {
+    Frame frame(host);
+    frame.hostInput = host.parameterRaster(kParamInput);
+    frame.hostOutput = host.outputRaster();
+    if (!frame.hostInput || !frame.hostOutput) return kRenderFailed;
+    return RenderFrame(host, frame);
+}
+
+}  // namespace vireon
