@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "headless/remote/messages.h"
+
+namespace vireon::pictures {
+
+/// One picture with its settings, at any depth.
+struct ParityScene {
+    std::string name;
+    headless::RenderJob job;  ///< input and layers at `job.bits`
+};
+
+/// A dozen scenes that between them reach every stage of the effect.
+/// \param bits  8, 16 or 32
+std::vector<ParityScene> ParityScenes(std::int32_t bits);
+
+}  // namespace vireon::pictures
