@@ -1,0 +1,213 @@
+// Each stage by itself at 1080p, on float pixels with packed rows.
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <vector>
+
+#include "composite/brightness_pixels.h"
+#include "composite/glow_mask_pixels.h"
+#include "composite/output_passes.h"
+#include "composite/transfer_pixels.h"
+#include "composite/widening_pixels.h"
+#include "glow/resample_pixels.h"
+#include "glow/shape_splat_pixels.h"
+#include "glow/tent_blur_pixels.h"
+#include "image/convert_pixels.h"
+#include "image/pixel_format.h"
+#include "render/glow_settings.h"
+#include "tools/scenes/scenes.h"
+
+namespace {
+
+using namespace vireon;
+
+constexpr std::int32_t kWidth = 1920;
+constexpr std::int32_t kHeight = 1080;
+constexpr std::int32_t kReduction = 4;
+
+struct Pixels {
+    Pixels(std::int32_t columns, std::int32_t rows)
+        : values(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows) * kChannels),
+          width(columns),
+          height(rows) {}
+    FloatImage view() {
+        return {values.data(), width, height, static_cast<std::ptrdiff_t>(width) * kChannels * 4};
+    }
+    std::vector<float> values;
+    std::int32_t width;
+    std::int32_t height;
+};
+
+/// The night scene, alpha first.
+const Pixels& Night() {
+    static const Pixels night = [] {
+        const scenes::Canvas scene =
+            scenes::DrawNightCity(kWidth, kHeight, scenes::LightRange::kDisplay);
+        Pixels pixels(kWidth, kHeight);
+        float* out = pixels.values.data();
+        for (int y = 0; y < kHeight; ++y) {
+            for (int x = 0; x < kWidth; ++x, out += kChannels) {
+                const scenes::Colour colour = scene.at(x, y);
+                out[kAlpha] = 1.0f;
+                out[kRed] = std::min(colour.red, 1.0f);
+                out[kGreen] = std::min(colour.green, 1.0f);
+                out[kBlue] = std::min(colour.blue, 1.0f);
+            }
+        }
+        return pixels;
+    }();
+    return night;
+}
+
+/// Runs `stage` on a fresh copy of the night scene each time; the copy is not counted.
+template <typename Stage>
+void Measure(benchmark::State& state, Stage&& stage) {
+    Pixels work = Night();
+    for (auto _ : state) {
+        state.PauseTiming();
+        work.values = Night().values;
+        state.ResumeTiming();
+        stage(work.view());
+        benchmark::DoNotOptimize(work.values.data());
+        benchmark::ClobberMemory();
+    }
+}
+
+void ConvertFrom8Bits(benchmark::State& state) {
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(kWidth) * kHeight * kChannels, 200);
+    RasterLayout source;
+    source.pixels = bytes.data();
+    source.formatCode = kFormat8;
+    source.width = kWidth;
+    source.height = kHeight;
+    source.rowBytes = kWidth * 4;
+    source.bytesPerPixel = 4;
+    Measure(state, [&](const FloatImage& image) { ConvertPixelsToFloat(source, image); });
+}
+
+void ConvertTo8Bits(benchmark::State& state) {
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(kWidth) * kHeight * kChannels);
+    RasterLayout destination;
+    destination.pixels = bytes.data();
+    destination.formatCode = kFormat8;
+    destination.width = kWidth;
+    destination.height = kHeight;
+    destination.rowBytes = kWidth * 4;
+    destination.bytesPerPixel = 4;
+    Measure(state, [&](const FloatImage& image) { ConvertPixelsFromFloat(image, destination); });
+}
+
+void ThresholdAndPower(benchmark::State& state) {
+    Measure(state, [](const FloatImage& image) {
+        SubtractThreshold(image, 0.5f, false);
+        ShapeLight(image, 1.5f, 1.0f, false);
+    });
+}
+
+void Widening(benchmark::State& state) {
+    const WideningReach reach{static_cast<std::int32_t>(state.range(0)), 0.5f};
+    std::vector<float> scratch(WideningScratchBytes(kWidth, reach) / sizeof(float));
+    Measure(state, [&](const FloatImage& image) {
+        WidenLight(image, reach, true, {}, scratch.data());
+        WidenLight(image, reach, false, {}, scratch.data());
+    });
+}
+
+void EllipseMaskPass(benchmark::State& state) {
+    const EllipseMask ellipse{kWidth / 2.0f, kHeight / 2.0f, 500.0f, 1.0f, 1.0f, 0.5f};
+    Measure(state, [&](const FloatImage& image) {
+        MultiplyByEllipse(image, ellipse, kWidth, kHeight, false);
+    });
+}
+
+void ReduceBy4(benchmark::State& state) {
+    Pixels small(kWidth / kReduction, kHeight / kReduction);
+    Measure(state, [&](const FloatImage& image) { ReduceBilinear(image, small.view(), true); });
+}
+
+void EnlargeBy4(benchmark::State& state) {
+    Pixels small(kWidth / kReduction, kHeight / kReduction);
+    Measure(state, [&](const FloatImage& image) { ExpandNearest(small.view(), image); });
+}
+
+GlowKernel TentKernel() {
+    GlowKernel kernel;
+    kernel.allocate(256, 256);
+    for (std::int32_t y = 0; y < 256; ++y) {
+        for (std::int32_t x = 0; x < 256; ++x) {
+            const auto distance =
+                static_cast<float>(std::max(std::abs(x - 128), std::abs(y - 128)));
+            kernel.values[static_cast<std::size_t>(y) * 256 + static_cast<std::size_t>(x)] =
+                std::max(0.0f, 1.0f - distance / 127.0f);
+        }
+    }
+    kernel.flagEmptyRows();
+    return kernel;
+}
+
+void StampShapes4to1(benchmark::State& state) {
+    const GlowKernel kernel = TentKernel();
+    const Splat splat{&kernel, 0.1f, 25.0f, 25};
+    Pixels small(kWidth / kReduction, kHeight / kReduction);
+    ReduceBilinear(Pixels(Night()).view(), small.view(), true);
+    SubtractThreshold(small.view(), 0.5f, false);
+    ShapeLight(small.view(), 1.5f, 1.0f, false);
+    Pixels glow(small.width, small.height);
+    const ChannelFlags channels{{false, true, true, true}};
+    for (auto _ : state) {
+        for (std::int32_t y = 0; y < small.height; ++y) {
+            SplatRow(small.view(), y, glow.view(), splat, SplatMember::kGeneral, channels);
+        }
+        benchmark::ClobberMemory();
+    }
+}
+
+void TentBlur(benchmark::State& state) {
+    const auto radius = static_cast<std::int32_t>(state.range(0));
+    Pixels scratch(kWidth, kHeight);
+    Measure(state, [&](const FloatImage& image) {
+        TentBlurRGB(image, scratch.view(), radius, kAlongRows);
+        TentBlurRGB(scratch.view(), image, radius, kAlongColumns);
+    });
+}
+
+void SoftClip(benchmark::State& state) {
+    Pixels bright = Night();
+    for (float& value : bright.values) value *= 2.0f;
+    const GlowSettings settings;
+    Pixels work = bright;
+    for (auto _ : state) {
+        state.PauseTiming();
+        work.values = bright.values;
+        state.ResumeTiming();
+        OverbrightSoftClip(work.view(), settings);
+        benchmark::ClobberMemory();
+    }
+}
+
+void Composite(benchmark::State& state, std::int32_t mode) {
+    Pixels source = Night();
+    Measure(state, [&](const FloatImage& image) {
+        BlendRoutineOf(mode)(image, source.view(), {1.0f, 1.0f, false});
+    });
+}
+
+BENCHMARK(ConvertFrom8Bits)->Unit(benchmark::kMillisecond);
+BENCHMARK(ConvertTo8Bits)->Unit(benchmark::kMillisecond);
+BENCHMARK(ThresholdAndPower)->Unit(benchmark::kMillisecond);
+BENCHMARK(Widening)->Arg(31)->Arg(125)->Unit(benchmark::kMillisecond);
+BENCHMARK(EllipseMaskPass)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReduceBy4)->Unit(benchmark::kMillisecond);
+BENCHMARK(StampShapes4to1)->Unit(benchmark::kMillisecond);
+BENCHMARK(EnlargeBy4)->Unit(benchmark::kMillisecond);
+BENCHMARK(TentBlur)->Arg(4)->Arg(100)->Unit(benchmark::kMillisecond);
+BENCHMARK(SoftClip)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Composite, Add, 4)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Composite, Overlay, 7)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Composite, Color, 15)->Unit(benchmark::kMillisecond);
+
+}  // namespace
