@@ -41,7 +41,8 @@ Ring RingOf(const std::string& file) {
         "composite/output_passes.cpp",
     };
     const bool pixelFile = file.find("_pixels.") != std::string::npos;
-    if (StartsWith(file, "image/") || pixelFile || plainData.count(file) != 0) {
+    if (StartsWith(file, "image/") || StartsWith(file, "simd/") || pixelFile ||
+        plainData.count(file) != 0) {
         return Ring::kPixels;
     }
     return Ring::kInterfaces;

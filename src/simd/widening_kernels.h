@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vireon::simd {
+
+struct WideningKernels {};
+
+}  // namespace vireon::simd
