@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <limits>
 
+#include "image/exp2_terms.h"
+
 namespace vireon {
 namespace {
 
@@ -73,6 +75,11 @@ float RoundedExp2(double x) {
     return static_cast<float>(Exp2Double(x));
 }
 
+// 2^n for n in the range of normal floats.
+float SinglePowerOfTwo(std::int32_t n) {
+    return std::bit_cast<float>(static_cast<std::uint32_t>(n + 127) << 23);
+}
+
 bool IsWhole(float value) {
     return std::trunc(value) == value;
 }
@@ -87,7 +94,22 @@ bool IsOdd(float value) {
 
 float Exp2(float x) {
     if (std::isnan(x)) return x;
-    return RoundedExp2(static_cast<double>(x));
+    if (x >= 128.0f) return std::numeric_limits<float>::infinity();
+    if (x <= -151.0f) return 0.0f;
+    // Adding and taking off 1.5 x 2^23 rounds to a whole number.
+    const float whole = (x + exp2f::kRounder) - exp2f::kRounder;
+    const float f = x - whole;
+    float tail = exp2f::kTerms[exp2f::kCount - 1];
+    for (int k = exp2f::kCount - 2; k >= 1; --k) tail = tail * f + exp2f::kTerms[k];
+    // 1 + linear, with what the addition rounds away kept for the tail.
+    const float linear = f * exp2f::kTerms[0];
+    const float head = 1.0f + linear;
+    const float lost = linear - (head - 1.0f);
+    const float power = head + ((f * f) * tail + lost);
+    // In two steps, so that results too small for a normal float are rounded once.
+    const auto n = static_cast<std::int32_t>(whole);
+    const std::int32_t half = n >> 1;
+    return power * SinglePowerOfTwo(half) * SinglePowerOfTwo(n - half);
 }
 
 float Pow(float base, float exponent) {
