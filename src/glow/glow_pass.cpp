@@ -22,27 +22,25 @@ constexpr std::int32_t kShapeSmoothingQuality = 1;
 // Softening of the reduced rasters in place of a missing shape.
 constexpr std::int32_t kReducedBlurRadius = 2;
 
-// Sets the other factor of the stamp radius for the length of a scope.
-class ScopedRadiusScale {
-  public:
-    ScopedRadiusScale(GlowSettings& settings, float qualityFactor)
-        : settings_(settings), former_(static_cast<float>(settings.radiusScale)) {
-        settings_.radiusScale *= 1.0 / static_cast<double>(qualityFactor);
-    }
-    ScopedRadiusScale(const ScopedRadiusScale&) = delete;
-    ScopedRadiusScale& operator=(const ScopedRadiusScale&) = delete;
-    ~ScopedRadiusScale() { settings_.radiusScale = static_cast<double>(former_); }
+}  // namespace
 
-  private:
-    GlowSettings& settings_;
-    float former_;
-};
+ScopedRadiusScale::ScopedRadiusScale(GlowSettings& settings, float qualityFactor)
+    : settings_(settings), former_(static_cast<float>(settings.radiusScale)) {
+    settings_.radiusScale *= 1.0 / static_cast<double>(qualityFactor);
+}
+
+ScopedRadiusScale::~ScopedRadiusScale() {
+    settings_.radiusScale = static_cast<double>(former_);
+}
 
 bool SamplesColourOnly(const GlowSettings& settings) {
     return settings.outputChannelCount() == 3 && !settings.outputAlpha && !settings.fastSplat;
 }
 
-}  // namespace
+std::int32_t SmoothingRadius(std::int32_t quality, bool hasShape) {
+    return hasShape && quality <= kShapeSmoothingQuality ? kShapeSmoothingRadius
+                                                         : kSmoothingRadii[quality];
+}
 
 std::int32_t EffectiveQuality(const GlowSettings& settings, std::int32_t width,
                               std::int32_t height) {
@@ -96,9 +94,7 @@ std::int32_t GlowPass(PluginHost_API& host, PluginRaster_API& map, PluginRaster_
 
     ExpandNearest(ViewRaster(host, *reduced), ViewRaster(host, glow));
     if (!resample) return kSuccess;
-    const bool shapeIsSmooth = shape != nullptr && quality <= kShapeSmoothingQuality;
-    return BlurRaster(host, glow, shapeIsSmooth ? kShapeSmoothingRadius : kSmoothingRadii[quality],
-                      settings, false);
+    return BlurRaster(host, glow, SmoothingRadius(quality, shape != nullptr), settings, false);
 }
 
 }  // namespace vireon

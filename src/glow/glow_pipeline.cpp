@@ -18,8 +18,8 @@
 namespace vireon {
 namespace {
 
-// Pixels whose alpha or colours need another form while the effect works: they get it for the length
-// of the scope and have their own again afterwards, however the render ends.
+// Pixels whose alpha or colours need another form while the effect works: they get it for the
+// length of the scope and have their own again afterwards, however the render ends.
 class PixelStateScope {
   public:
     PixelStateScope(PluginHost_API& host, const GlowRasters& rasters)
@@ -74,11 +74,6 @@ class OpaqueLayerScope {
     GlowSettings& settings_;
     bool opaque_;
 };
-
-const GlowKernel* FindShape(PluginHost_API& host, const GlowSettings& settings) {
-    if (const GlowKernel* custom = host.customShape()) return custom;
-    return LibraryShape(settings.shape);
-}
 
 std::int32_t CompositeGlow(PluginHost_API& host, const GlowSettings& settings,
                            PluginRaster_API& glow, PluginRaster_API& input, float glowOpacity) {
@@ -152,6 +147,11 @@ std::int32_t RenderFrame(PluginHost_API& host, GlowSettings& settings, const Glo
 }
 
 }  // namespace
+
+const GlowKernel* FindShape(PluginHost_API& host, const GlowSettings& settings) {
+    if (const GlowKernel* custom = host.customShape()) return custom;
+    return LibraryShape(settings.shape);
+}
 
 std::int32_t RenderGlow(PluginHost_API& host, GlowSettings& settings, const GlowRasters& rasters) {
     settings.blurInput *= settings.glowRadius;

@@ -4,6 +4,7 @@
 
 namespace vireon {
 
+struct GlowKernel;
 struct GlowSettings;
 class PluginHost_API;
 class PluginRaster_API;
@@ -15,6 +16,10 @@ struct GlowRasters {
     PluginRaster_API& output;  ///< receives the finished frame
     PluginRaster_API* mask;    ///< limits where light may arise; null when there is none
 };
+
+/// The shape of a render: the host's custom shape when there is one, else the library's; null when
+/// the library has none.
+const GlowKernel* FindShape(PluginHost_API& host, const GlowSettings& settings);
 
 /// Turns one input frame into the finished output frame: extracts the light, spreads it into the
 /// glow, and composites the glow over the input, or shows the stage that View asks for.

@@ -5,6 +5,7 @@
 
 #include "image/channel_order.h"
 #include "image/pixel_format.h"
+#include "simd/kernel_table.h"
 
 namespace vireon {
 namespace {
@@ -69,6 +70,17 @@ void RowFromFloat(const float* source, std::byte* destination, std::int32_t widt
     }
 }
 
+// Integer rows whose channels need no sorting and that begin where their channels may.
+bool HasFastRows(const RasterLayout& layout) {
+    const std::int32_t depth = DepthOfFormat(layout.formatCode);
+    if (depth != kDepth8 && depth != kDepth16) return false;
+    const std::int32_t alignment = depth == kDepth8 ? 1 : 2;
+    return ChannelOrderOf(layout.formatCode) == kAlphaFirst && layout.rowBytes % alignment == 0 &&
+           reinterpret_cast<std::uintptr_t>(layout.pixels) %
+                   static_cast<std::uintptr_t>(alignment) ==
+               0;
+}
+
 }  // namespace
 
 FloatImage FloatView(const RasterLayout& layout) {
@@ -109,6 +121,48 @@ void ConvertPixelsFromFloat(const FloatImage& source, const RasterLayout& destin
             case kDepth16: RowFromFloat<std::uint16_t>(from, to, width, order); break;
             case kDepthFloat: RowFromFloat<float>(from, to, width, order); break;
             default: return;
+        }
+    }
+}
+
+void ConvertPixelsToFloat(const simd::KernelTable& kernels, const RasterLayout& source,
+                          const FloatImage& destination) {
+    if (!HasFastRows(source)) {
+        ConvertPixelsToFloat(source, destination);
+        return;
+    }
+    const std::ptrdiff_t values =
+        static_cast<std::ptrdiff_t>(std::min(source.width, destination.width)) * kChannels;
+    const std::int32_t height = std::min(source.height, destination.height);
+    const bool narrow = DepthOfFormat(source.formatCode) == kDepth8;
+    for (std::int32_t y = 0; y < height; ++y) {
+        const std::byte* from = source.row(y);
+        if (narrow) {
+            kernels.frame.from8(reinterpret_cast<const std::uint8_t*>(from), destination.row(y),
+                                values);
+        } else {
+            kernels.frame.from16(reinterpret_cast<const std::uint16_t*>(from), destination.row(y),
+                                 values);
+        }
+    }
+}
+
+void ConvertPixelsFromFloat(const simd::KernelTable& kernels, const FloatImage& source,
+                            const RasterLayout& destination) {
+    if (!HasFastRows(destination)) {
+        ConvertPixelsFromFloat(source, destination);
+        return;
+    }
+    const std::ptrdiff_t values =
+        static_cast<std::ptrdiff_t>(std::min(source.width, destination.width)) * kChannels;
+    const std::int32_t height = std::min(source.height, destination.height);
+    const bool narrow = DepthOfFormat(destination.formatCode) == kDepth8;
+    for (std::int32_t y = 0; y < height; ++y) {
+        std::byte* to = destination.row(y);
+        if (narrow) {
+            kernels.frame.to8(source.row(y), reinterpret_cast<std::uint8_t*>(to), values);
+        } else {
+            kernels.frame.to16(source.row(y), reinterpret_cast<std::uint16_t*>(to), values);
         }
     }
 }

@@ -7,6 +7,10 @@
 
 namespace vireon {
 
+namespace simd {
+struct KernelTable;
+}
+
 /// Largest value of a channel of `bits` bits: 8 gives 255, 14 gives 16384, 15 gives 32768 (the
 /// host's 16-bit worlds), 16 gives 65535, any other count 2^bits - 1. 32 bits are float and have
 /// none.
@@ -28,11 +32,17 @@ bool IsFloatView(const RasterLayout& layout);
 /// Walks the width and height that both have; rows need no alignment. Source and destination must
 /// not overlap. Formats without a depth are left alone.
 void ConvertPixelsToFloat(const RasterLayout& source, const FloatImage& destination);
+/// The same bits, faster.
+void ConvertPixelsToFloat(const simd::KernelTable& kernels, const RasterLayout& source,
+                          const FloatImage& destination);
 
 /// destination = trunc(channel maximum x value + 0.5) in single precision, limited to 0 and the
 /// channel maximum; NaN gives 0. Channels go to the places of the destination's format; float is
 /// copied as it stands. Walks the width and height that both have. Source and destination must not
 /// overlap.
 void ConvertPixelsFromFloat(const FloatImage& source, const RasterLayout& destination);
+/// The same bits, faster.
+void ConvertPixelsFromFloat(const simd::KernelTable& kernels, const FloatImage& source,
+                            const RasterLayout& destination);
 
 }  // namespace vireon

@@ -1,7 +1,7 @@
 #pragma once
 
-/// What `Exp2` and its vector form share, so that they cannot differ: the Taylor series of 2^f - 1 in
-/// single precision, f between -1/2 and 1/2, without its first factor f.
+/// What `Exp2` and its vector form share, so that they cannot differ: the Taylor series of 2^f - 1
+/// in single precision, f between -1/2 and 1/2, without its first factor f.
 namespace vireon::exp2f {
 
 inline constexpr int kCount = 7;

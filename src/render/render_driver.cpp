@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "glow/fused_frame.h"
 #include "glow/glow_pipeline.h"
 #include "host/plugin_host_api.h"
 #include "host/result_codes.h"
@@ -12,6 +13,7 @@
 #include "render/glow_settings.h"
 #include "render/parameter_ids.h"
 #include "render/raster_ops.h"
+#include "simd/level.h"
 
 namespace vireon {
 namespace {
@@ -151,6 +153,30 @@ std::int32_t RenderFrame(PluginHost_API& host, Frame& frame) {
     }
     frame.glowLayer.checkOut(host, kParamGlowLayer, kGlowLayerId);
     PluginRaster_API* const glowLayer = frame.glowLayer.raster();
+
+    frame.shape.use(host, frame.shapeLayer.raster(), error);
+    if (error != 0) {
+        ClearRaster(host, hostOutput);
+        return error;
+    }
+    if (frame.shape.get() != nullptr) {
+        frame.customShape.set(MakeCustomShape(ViewRaster(host, *frame.shape)));
+    }
+
+    if (const simd::KernelTable* kernels = simd::ActiveKernels()) {
+        FrameLayouts layouts{inputLayout, inputLayout, {}};
+        if (glowLayer != nullptr) layouts.source = DescribeRaster(host, *glowLayer, error);
+        if (error == 0) layouts.output = DescribeRaster(host, hostOutput, error);
+        if (error != 0) {
+            ClearRaster(host, hostOutput);
+            return error;
+        }
+        const GlowKernel* shape = FindShape(host, settings);
+        if (CanFuseFrame(host, settings, layouts, shape)) {
+            return RenderFusedFrame(host, *kernels, settings, layouts, *shape, hostOutput);
+        }
+    }
+
     error = CopyRaster(host, *frame.working, glowLayer != nullptr ? *glowLayer : hostInput);
     if (error != 0) {
         ClearRaster(host, hostOutput);
@@ -161,15 +187,11 @@ std::int32_t RenderFrame(PluginHost_API& host, Frame& frame) {
     frame.output.use(host, &hostOutput, error);
     frame.source.use(host, frame.working.get(), error);
     frame.mask.use(host, frame.maskLayer.raster(), error);
-    frame.shape.use(host, frame.shapeLayer.raster(), error);
     if (error != 0) {
         ClearRaster(host, hostOutput);
         return error;
     }
 
-    if (frame.shape.get() != nullptr) {
-        frame.customShape.set(MakeCustomShape(ViewRaster(host, *frame.shape)));
-    }
     const std::int32_t result =
         RenderGlow(host, settings, {*frame.source, *frame.input, *frame.output, frame.mask.get()});
     if (!frame.output.isCopy()) return result;

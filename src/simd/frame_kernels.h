@@ -36,6 +36,9 @@ struct FrameKernels {
     /// Whether every value is +0 or -0.
     bool (*isZero)(const float* row, std::ptrdiff_t values);
 
+    /// Whether every value is finite.
+    bool (*isFinite)(const float* row, std::ptrdiff_t values);
+
     /// to[x] = sum over t < taps of weights[x taps + t] x from[first[x] + t], pixel by pixel, the
     /// sums in double precision and in order of t.
     void (*expandRow)(const float* from, const std::int32_t* first, const double* weights,

@@ -1,0 +1,161 @@
+#include "composite/sampled_light_pixels.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+#include "composite/brightness_pixels.h"
+#include "glow/resample_pixels.h"
+#include "image/convert_pixels.h"
+#include "image/tolerance.h"
+
+namespace vireon {
+namespace {
+
+using Positions = std::vector<std::int32_t>;
+
+// One row of light: the source pixels at some columns of one row, extracted.
+class LightRow {
+  public:
+    LightRow(std::int32_t pixels, std::int32_t bytesPerPixel)
+        : width_(pixels),
+          gathered_(static_cast<std::size_t>(pixels) * static_cast<std::size_t>(bytesPerPixel)),
+          input_(static_cast<std::size_t>(pixels) * kChannels),
+          light_(input_.size()) {}
+
+    const float* pixel(std::int32_t x) const {
+        return light_.data() + static_cast<std::ptrdiff_t>(x) * kChannels;
+    }
+    std::int32_t sourceRow() const { return sourceRow_; }
+
+    void extract(const simd::KernelTable& kernels, const RasterLayout& source,
+                 const SampledLight& light, std::int32_t row, const Positions& columns) {
+        sourceRow_ = row;
+        const FloatImage input{input_.data(), width_, 1, 0};
+        ConvertPixelsToFloat(kernels, gather(source, row, columns), input);
+        const FloatImage map{light_.data(), width_, 1, 0};
+        const bool singleChannel = light.inputChannels != 0;
+        MapBrightness(input, map, light.inputChannels);
+        if (!NearZero(light.threshold)) {
+            SubtractThreshold(map, light.threshold, singleChannel);
+        }
+        ShapeLight(map, light.exponent, light.gain, singleChannel);
+    }
+
+  private:
+    // The pixels of one source row side by side, transparent black where the source has none.
+    RasterLayout gather(const RasterLayout& source, std::int32_t row, const Positions& columns) {
+        RasterLayout layout = source;
+        layout.pixels = gathered_.data();
+        layout.width = width_;
+        layout.height = 1;
+        const auto bytes = static_cast<std::size_t>(source.bytesPerPixel);
+        if (row >= source.height) {
+            std::fill(gathered_.begin(), gathered_.end(), std::byte{0});
+            return layout;
+        }
+        const std::byte* from = source.row(row);
+        std::byte* to = gathered_.data();
+        const bool wholeRow = columns.back() == width_ - 1 && width_ <= source.width;
+        if (wholeRow) {
+            std::memcpy(to, from, gathered_.size());
+            return layout;
+        }
+        for (const std::int32_t column : columns) {
+            if (column < source.width) {
+                std::memcpy(to, from + static_cast<std::size_t>(column) * bytes, bytes);
+            } else {
+                std::memset(to, 0, bytes);
+            }
+            to += bytes;
+        }
+        return layout;
+    }
+
+    std::int32_t width_;
+    std::int32_t sourceRow_ = -1;
+    std::vector<std::byte> gathered_;
+    std::vector<float> input_;
+    std::vector<float> light_;
+};
+
+// The columns that a row of samples reads: those of all first neighbours, then, when any sample
+// lies between two pixels, those of all second ones.
+Positions SampledColumns(const std::vector<SampleTap>& taps) {
+    Positions columns;
+    columns.reserve(2 * taps.size());
+    bool between = false;
+    for (const SampleTap& tap : taps) {
+        columns.push_back(tap.first);
+        between = between || tap.fraction != 0.0f;
+    }
+    if (between) {
+        for (const SampleTap& tap : taps) columns.push_back(tap.second);
+    }
+    return columns;
+}
+
+std::vector<SampleTap> TapsOf(const SampledLight& light, std::int32_t frameSize,
+                              std::int32_t size) {
+    std::vector<SampleTap> taps;
+    taps.reserve(static_cast<std::size_t>(size));
+    for (std::int32_t i = 0; i < size; ++i) {
+        if (light.sampling == LightSampling::kBilinear) {
+            taps.push_back(SampleTapAt(i, frameSize, size));
+        } else {
+            const std::int32_t nearest = NearestSample(i, frameSize, size);
+            taps.push_back({nearest, nearest, 0.0f});
+        }
+    }
+    return taps;
+}
+
+}  // namespace
+
+void ExtractSampledLight(const simd::KernelTable& kernels, const RasterLayout& source,
+                         const SampledLight& light, const FloatImage& map) {
+    const std::vector<SampleTap> across = TapsOf(light, light.frameWidth, map.width);
+    const std::vector<SampleTap> down = TapsOf(light, light.frameHeight, map.height);
+    const Positions columns = SampledColumns(across);
+    const auto pixels = static_cast<std::int32_t>(columns.size());
+    // Where the second neighbours lie in a row of light.
+    const std::int32_t seconds = pixels == map.width ? 0 : map.width;
+    const std::int32_t firstChannel = light.colourOnly ? kRed : kAlpha;
+
+    LightRow top(pixels, source.bytesPerPixel);
+    LightRow bottom(pixels, source.bytesPerPixel);
+    const auto extract = [&](LightRow& row, std::int32_t y) {
+        if (row.sourceRow() != y) row.extract(kernels, source, light, y, columns);
+    };
+    for (std::int32_t y = 0; y < map.height; ++y) {
+        const SampleTap& vertical = down[static_cast<std::size_t>(y)];
+        if (bottom.sourceRow() == vertical.first) std::swap(top, bottom);
+        extract(top, vertical.first);
+        if (vertical.fraction != 0.0f) extract(bottom, vertical.second);
+        const LightRow& below = vertical.fraction != 0.0f ? bottom : top;
+
+        float* out = map.row(y);
+        if (vertical.fraction == 0.0f && seconds == 0) {
+            std::copy_n(top.pixel(0), static_cast<std::ptrdiff_t>(map.width) * kChannels, out);
+            if (light.colourOnly) {
+                for (std::int32_t x = 0; x < map.width; ++x) out[x * kChannels + kAlpha] = 0.0f;
+            }
+            continue;
+        }
+        for (std::int32_t x = 0; x < map.width; ++x, out += kChannels) {
+            const float fraction = across[static_cast<std::size_t>(x)].fraction;
+            if (light.colourOnly) out[kAlpha] = 0.0f;
+            for (std::int32_t c = firstChannel; c < kChannels; ++c) {
+                const float above =
+                    BlendSamples(top.pixel(x)[c], top.pixel(x + seconds)[c], fraction);
+                const float under =
+                    BlendSamples(below.pixel(x)[c], below.pixel(x + seconds)[c], fraction);
+                out[c] = BlendSamples(above, under, vertical.fraction);
+            }
+        }
+    }
+}
+
+}  // namespace vireon

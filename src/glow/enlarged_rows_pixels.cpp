@@ -1,0 +1,98 @@
+#include "glow/enlarged_rows_pixels.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+
+#include "glow/resample_pixels.h"
+#include "glow/tent_blur_pixels.h"
+#include "simd/kernel_table.h"
+
+namespace vireon {
+
+EnlargementTaps MakeEnlargementTaps(std::int32_t size, std::int32_t sourceSize,
+                                    std::int32_t radius) {
+    const std::int32_t reach = radius > 0 ? std::max(ClampTentRadius(radius, size), 0) : 0;
+    const auto sourceOf = [&](std::int32_t position) {
+        return NearestSample(std::clamp(position, 0, size - 1), sourceSize, size);
+    };
+
+    EnlargementTaps taps;
+    taps.divisor = static_cast<double>(reach + 1) * (reach + 1);
+    taps.first.resize(static_cast<std::size_t>(size));
+    for (std::int32_t i = 0; i < size; ++i) {
+        taps.count = std::max(taps.count, sourceOf(i + reach) - sourceOf(i - reach) + 1);
+    }
+    taps.weights.assign(taps.first.size() * static_cast<std::size_t>(taps.count), 0.0);
+    for (std::int32_t i = 0; i < size; ++i) {
+        // Positions near the end start earlier, so that no tap lies beyond the source.
+        const std::int32_t first = std::min(sourceOf(i - reach), sourceSize - taps.count);
+        taps.first[static_cast<std::size_t>(i)] = first;
+        double* weights = taps.weights.data() +
+                          static_cast<std::size_t>(i) * static_cast<std::size_t>(taps.count);
+        for (std::int32_t k = -reach; k <= reach; ++k) {
+            weights[sourceOf(i + k) - first] += reach + 1 - std::abs(k);
+        }
+    }
+    return taps;
+}
+
+EnlargedRows::EnlargedRows(const simd::KernelTable& kernels, const FloatImage& source,
+                           std::int32_t width, std::int32_t height, std::int32_t radius)
+    : kernels_(kernels),
+      source_(source),
+      width_(width),
+      across_(MakeEnlargementTaps(width, source.width, radius)),
+      down_(MakeEnlargementTaps(height, source.height, radius)),
+      ring_(static_cast<std::size_t>(down_.count)),
+      rows_(static_cast<std::size_t>(down_.count)) {
+    for (ExpandedRow& row : ring_) {
+        row.values.resize(static_cast<std::size_t>(width) * kChannels);
+    }
+}
+
+const EnlargedRows::ExpandedRow& EnlargedRows::expanded(std::int32_t sourceRow) {
+    ExpandedRow& row = ring_[static_cast<std::size_t>(sourceRow % down_.count)];
+    if (row.sourceRow == sourceRow) return row;
+    const float* from = source_.row(sourceRow);
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(source_.width) * kChannels;
+    const bool wasZero = row.isZero;
+    row.isZero = kernels_.frame.isZero(from, values);
+    if (!row.isZero) {
+        kernels_.frame.expandRow(from, across_.first.data(), across_.weights.data(), across_.count,
+                                 row.values.data(), width_);
+    } else if (!wasZero) {
+        std::fill(row.values.begin(), row.values.end(), 0.0);
+    }
+    row.sourceRow = sourceRow;
+    return row;
+}
+
+bool EnlargedRows::read(std::int32_t y, float* to) {
+    const std::int32_t first = down_.first[static_cast<std::size_t>(y)];
+    bool allZero = true;
+    for (std::int32_t t = 0; t < down_.count; ++t) {
+        const ExpandedRow& row = expanded(first + t);
+        allZero = allZero && row.isZero;
+        rows_[static_cast<std::size_t>(t)] = row.values.data();
+    }
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(width_) * kChannels;
+    if (allZero) {
+        std::fill_n(to, values, 0.0f);
+        return false;
+    }
+    const double* weights =
+        down_.weights.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(down_.count);
+    kernels_.frame.combineRows(rows_.data(), weights, down_.count,
+                               1.0 / (across_.divisor * down_.divisor), to, values);
+    return true;
+}
+
+void EnlargedRows::rewind() {
+    for (ExpandedRow& row : ring_) {
+        row.sourceRow = -1;
+        row.isZero = false;
+    }
+}
+
+}  // namespace vireon

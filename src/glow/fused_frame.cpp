@@ -1,0 +1,333 @@
+#include "glow/fused_frame.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "composite/brightness_extraction.h"
+#include "composite/output_passes.h"
+#include "composite/sampled_light_pixels.h"
+#include "composite/transfer_codes.h"
+#include "composite/transfer_modes.h"
+#include "composite/transfer_pixels.h"
+#include "glow/enlarged_rows_pixels.h"
+#include "glow/glow_pass.h"
+#include "glow/resample_pixels.h"
+#include "glow/shape_convolution.h"
+#include "glow/tent_blur.h"
+#include "host/application_codes.h"
+#include "host/plugin_host_api.h"
+#include "host/result_codes.h"
+#include "image/channel_order.h"
+#include "image/convert_pixels.h"
+#include "image/pixel_format.h"
+#include "image/tolerance.h"
+#include "render/glow_settings.h"
+#include "render/raster_ops.h"
+#include "shapes/glow_kernel.h"
+#include "simd/kernel_table.h"
+
+namespace vireon {
+namespace {
+
+bool IsReadable(const RasterLayout& layout) {
+    if (layout.pixels == nullptr || layout.width <= 0 || layout.height <= 0) return false;
+    if (ChannelOrderOf(layout.formatCode) != kAlphaFirst) return false;
+    return DepthOfFormat(layout.formatCode) == kDepthFloat ? IsFloatView(layout)
+                                                           : DepthOfFormat(layout.formatCode) >= 0;
+}
+
+// First and last byte of the rows.
+std::pair<const std::byte*, const std::byte*> Extent(const RasterLayout& layout) {
+    const std::byte* first = layout.row(0);
+    const std::byte* last = layout.row(layout.height - 1);
+    if (last < first) std::swap(first, last);
+    return {first, last + static_cast<std::ptrdiff_t>(layout.width) * layout.bytesPerPixel};
+}
+
+bool Overlap(const RasterLayout& a, const RasterLayout& b) {
+    const auto [beginA, endA] = Extent(a);
+    const auto [beginB, endB] = Extent(b);
+    return std::less<>()(beginA, endB) && std::less<>()(beginB, endA);
+}
+
+RasterLayout RowOf(const RasterLayout& layout, std::int32_t y) {
+    RasterLayout row = layout;
+    row.pixels = layout.row(y);
+    row.height = 1;
+    return row;
+}
+
+bool IsOpaqueFrame(const simd::KernelTable& kernels, const RasterLayout& frame) {
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(frame.width) * kChannels;
+    for (std::int32_t y = 0; y < frame.height; ++y) {
+        std::byte* row = frame.row(y);
+        bool opaque = false;
+        switch (DepthOfFormat(frame.formatCode)) {
+            case kDepth8:
+                opaque = kernels.frame.isOpaque8(reinterpret_cast<std::uint8_t*>(row), values);
+                break;
+            case kDepth16:
+                opaque = kernels.frame.isOpaque16(reinterpret_cast<std::uint16_t*>(row), values);
+                break;
+            default:
+                opaque = kernels.frame.isOpaqueFloat(reinterpret_cast<float*>(row), values);
+                break;
+        }
+        if (!opaque) return false;
+    }
+    return true;
+}
+
+SampledLight LightOf(const GlowSettings& settings, const FrameLayouts& layouts, bool resample) {
+    SampledLight light{};
+    light.frameWidth = layouts.input.width;
+    light.frameHeight = layouts.input.height;
+    light.inputChannels = settings.inputChannels;
+    light.threshold = static_cast<float>(settings.threshold / 100.0);
+    light.exponent = static_cast<float>(settings.glowFalloff);
+    light.gain = static_cast<float>(settings.lightGain);
+    light.sampling = resample ? LightSampling::kBilinear : LightSampling::kNearest;
+    light.colourOnly = resample && SamplesColourOnly(settings);
+    return light;
+}
+
+// The finished glow, row by row from the top.
+class GlowRows {
+  public:
+    virtual ~GlowRows() = default;
+    // Writes row y to `to`; rows are read in order.
+    virtual void read(std::int32_t y, float* to) = 0;
+    virtual void rewind() = 0;
+};
+
+class ImageRows final : public GlowRows {
+  public:
+    explicit ImageRows(const FloatImage& image) : image_(image) {}
+    void read(std::int32_t y, float* to) override {
+        std::copy_n(image_.row(y), static_cast<std::ptrdiff_t>(image_.width) * kChannels, to);
+    }
+    void rewind() override {}
+
+  private:
+    FloatImage image_;
+};
+
+class EnlargedGlowRows final : public GlowRows {
+  public:
+    explicit EnlargedGlowRows(EnlargedRows rows) : rows_(std::move(rows)) {}
+    void read(std::int32_t y, float* to) override { rows_.read(y, to); }
+    void rewind() override { rows_.rewind(); }
+
+  private:
+    EnlargedRows rows_;
+};
+
+struct GlowRange {
+    float largest;
+    bool finite;
+};
+
+// The largest colour that is an output channel, at least 0, and whether all values are finite.
+GlowRange RangeOf(const simd::KernelTable& kernels, const FloatImage& glow) {
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(glow.width) * kChannels;
+    GlowRange range{0.0f, true};
+    for (std::int32_t y = 0; y < glow.height; ++y) {
+        range.largest = kernels.frame.largestColour(glow.row(y), values, range.largest);
+        range.finite = range.finite && kernels.frame.isFinite(glow.row(y), values);
+    }
+    return range;
+}
+
+// The largest colour of the finished glow, or 2 or more: what lies above 2 bends like 2.
+float LargestOfRows(const simd::KernelTable& kernels, GlowRows& rows, std::int32_t width,
+                    std::int32_t height) {
+    std::vector<float> row(static_cast<std::size_t>(width) * kChannels);
+    float largest = 0.0f;
+    for (std::int32_t y = 0; y < height && !(largest >= 2.0f); ++y) {
+        rows.read(y, row.data());
+        largest = kernels.frame.largestColour(row.data(), static_cast<std::ptrdiff_t>(row.size()),
+                                              largest);
+    }
+    rows.rewind();
+    return largest;
+}
+
+simd::GlowRowSettings RowSettingsOf(const GlowSettings& settings, bool opaque) {
+    simd::GlowRowSettings row{};
+    row.keepColour[0] = settings.outputRed;
+    row.keepColour[1] = settings.outputGreen;
+    row.keepColour[2] = settings.outputBlue;
+    row.opaque = opaque;
+    row.keepAlpha = settings.outputAlpha;
+    row.intensityToAlpha = settings.outputAlpha;
+    return row;
+}
+
+void SetSoftClip(simd::GlowRowSettings& row, const GlowSettings& settings, float largest) {
+    const auto clamp = static_cast<float>(settings.overbrightClamp / 100.0);
+    if (!settings.preventOverbrights || NearZero(clamp) || largest <= 1.0f) return;
+    row.softClip = true;
+    row.excess = std::min(largest - 1.0f, 1.0f);
+    row.knee = 1.0f - row.excess;
+    row.clamp = clamp;
+    row.fullClamp = NearOne(clamp);
+}
+
+// Composites rows of glow over rows of the input, in the glow's place.
+class RowCompositor {
+  public:
+    RowCompositor(PluginHost_API& host, const simd::KernelTable& kernels,
+                  const GlowSettings& settings)
+        : kernels_(kernels),
+          glowOpacity_(static_cast<float>(settings.glowOpacity * 0.01)),
+          sourceOpacity_(static_cast<float>(settings.sourceOpacity * 0.01)) {
+        composites_ = settings.transferMode != kTransferNone;
+        if (composites_) {
+            mode_ = PipelineTransferMode(settings.transferMode, host.keepsSeparators());
+        }
+    }
+
+    void composite(float* glow, float* input, std::int32_t width) const {
+        const FloatImage top{glow, width, 1, 0};
+        if (!composites_) {
+            if (!NearOne(glowOpacity_)) ScaleColour(top, glowOpacity_);
+            return;
+        }
+        if (mode_ == kTransferAdd) {
+            kernels_.frame.blendAdd(glow, input, static_cast<std::ptrdiff_t>(width) * kChannels,
+                                    glowOpacity_, sourceOpacity_);
+            return;
+        }
+        if (mode_ == kTransferColorBurn) ClampColour(top);
+        if (const BlendRoutine blend = BlendRoutineOf(mode_)) {
+            blend(top, FloatImage{input, width, 1, 0}, {glowOpacity_, sourceOpacity_, false});
+        }
+        if (mode_ == kTransferColorBurn) ClampColour(top);
+    }
+
+  private:
+    const simd::KernelTable& kernels_;
+    float glowOpacity_;
+    float sourceOpacity_;
+    bool composites_ = false;
+    std::int32_t mode_ = 0;
+};
+
+void WriteFrame(const simd::KernelTable& kernels, const FrameLayouts& layouts, GlowRows& rows,
+                const simd::GlowRowSettings& settings, const RowCompositor& compositor) {
+    const std::int32_t width = layouts.input.width;
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(width) * kChannels;
+    const std::int32_t height = std::min(layouts.input.height, layouts.output.height);
+    std::vector<float> glow(static_cast<std::size_t>(values));
+    std::vector<float> input(glow.size());
+    const FloatImage glowRow{glow.data(), width, 1, 0};
+    const FloatImage inputRow{input.data(), width, 1, 0};
+    for (std::int32_t y = 0; y < height; ++y) {
+        ConvertPixelsToFloat(kernels, RowOf(layouts.input, y), inputRow);
+        rows.read(y, glow.data());
+        kernels.frame.finishGlow(glow.data(), input.data(), values, settings);
+        compositor.composite(glow.data(), input.data(), width);
+        ConvertPixelsFromFloat(kernels, glowRow, RowOf(layouts.output, y));
+    }
+}
+
+}  // namespace
+
+bool CanFuseFrame(PluginHost_API& host, const GlowSettings& settings, const FrameLayouts& layouts,
+                  const GlowKernel* shape) {
+    if (shape == nullptr || !shape->hasTexels()) return false;
+    if (settings.view != kViewOutput || !IsInputChannelsChoice(settings.inputChannels))
+        return false;
+    if (settings.enableMask || settings.fastSplat) return false;
+    if (!NearZero(settings.blurInput * settings.glowRadius)) return false;
+    if (settings.driverFlag && settings.pipelineMode != 1) return false;
+    if (NearZero(static_cast<float>(settings.glowOpacity * 0.01))) return false;
+
+    const bool ownCompositor = !host.isApplication(kAfterEffects);
+    if (host.alphaIsUndefined() || host.alphaIsIgnored() || host.isPremultiplied() ||
+        host.compositesItself() || (host.offersTransfer() && !ownCompositor)) {
+        return false;
+    }
+    return IsReadable(layouts.source) && IsReadable(layouts.input) && IsReadable(layouts.output) &&
+           layouts.source.formatCode == layouts.input.formatCode &&
+           !Overlap(layouts.output, layouts.input) && !Overlap(layouts.output, layouts.source);
+}
+
+std::int32_t RenderFusedFrame(PluginHost_API& host, const simd::KernelTable& kernels,
+                              GlowSettings& settings, const FrameLayouts& layouts,
+                              const GlowKernel& shape, PluginRaster_API& output) {
+    const std::int32_t width = layouts.input.width;
+    const std::int32_t height = layouts.input.height;
+    const std::int32_t quality = EffectiveQuality(settings, width, height);
+    const float factor = kQualityFactors[quality];
+    const bool resample = host.isHighQuality();
+
+    const bool opaque = settings.outputAlpha && IsOpaqueFrame(kernels, layouts.input);
+    if (opaque) settings.outputAlpha = false;
+    settings.singleChannel = settings.inputChannels != kInputRgba;
+    settings.progressCount = 0;
+    settings.progressTotal = settings.countProgressTwice != 0 ? 2 * height : height;
+
+    const auto mapWidth = static_cast<std::int32_t>(static_cast<float>(width) / factor);
+    const auto mapHeight = static_cast<std::int32_t>(static_cast<float>(height) / factor);
+    std::int32_t error = 0;
+    const auto makeRaster = [&](std::int32_t w, std::int32_t h) {
+        ScopedRaster raster = CreateWorkingRaster(host, w, h, kDepthFloat, /*clear=*/false, error);
+        if (!raster) {
+            ClearRaster(host, output);
+            if (error == 0) error = kRenderFailed;
+        }
+        return raster;
+    };
+    ScopedRaster map = makeRaster(mapWidth, mapHeight);
+    if (!map) return error;
+    ScopedRaster glow = makeRaster(mapWidth, mapHeight);
+    if (!glow) return error;
+
+    ExtractSampledLight(kernels, layouts.source,
+                        LightOf(settings, layouts, resample && quality != 0),
+                        ViewRaster(host, *map));
+    {
+        const ScopedRadiusScale reducedRadius(settings, factor);
+        const std::int32_t result = ConvolveShape(host, *map, *glow, &shape, settings, factor);
+        if (result != kSuccess) return result;
+    }
+    map.reset();
+
+    const FloatImage small = ViewRaster(host, *glow);
+    const GlowRange range = RangeOf(kernels, small);
+    const std::int32_t radius = resample ? SmoothingRadius(quality, true) : 0;
+    std::unique_ptr<GlowRows> rows;
+    ScopedRaster enlarged;
+    if (quality == 0) {
+        rows = std::make_unique<ImageRows>(small);
+    } else if (range.finite) {
+        rows =
+            std::make_unique<EnlargedGlowRows>(EnlargedRows(kernels, small, width, height, radius));
+    } else {
+        enlarged = makeRaster(width, height);
+        if (!enlarged) return error;
+        ExpandNearest(small, ViewRaster(host, *enlarged));
+        if (resample) {
+            const std::int32_t result = BlurRaster(host, *enlarged, radius, settings, false);
+            if (result != kSuccess) return result;
+        }
+        rows = std::make_unique<ImageRows>(ViewRaster(host, *enlarged));
+    }
+
+    simd::GlowRowSettings rowSettings = RowSettingsOf(settings, opaque);
+    // Smoothing weighs its samples with positive weights whose sum is 1: it makes no value larger.
+    const bool mayExceed = !range.finite || range.largest > 1.0f;
+    if (settings.preventOverbrights && mayExceed) {
+        SetSoftClip(rowSettings, settings, LargestOfRows(kernels, *rows, width, height));
+    }
+    WriteFrame(kernels, layouts, *rows, rowSettings, RowCompositor(host, kernels, settings));
+    return kSuccess;
+}
+
+}  // namespace vireon
