@@ -42,10 +42,12 @@ EnlargedRows::EnlargedRows(const simd::KernelTable& kernels, const FloatImage& s
     : kernels_(kernels),
       source_(source),
       width_(width),
+      height_(height),
       across_(MakeEnlargementTaps(width, source.width, radius)),
       down_(MakeEnlargementTaps(height, source.height, radius)),
       ring_(static_cast<std::size_t>(down_.count)),
-      rows_(static_cast<std::size_t>(down_.count)) {
+      rows_(ring_.size()),
+      at_(ring_.size()) {
     for (ExpandedRow& row : ring_) {
         row.values.resize(static_cast<std::size_t>(width) * kChannels);
     }
@@ -68,31 +70,32 @@ const EnlargedRows::ExpandedRow& EnlargedRows::expanded(std::int32_t sourceRow) 
     return row;
 }
 
-bool EnlargedRows::read(std::int32_t y, float* to) {
+std::int32_t EnlargedRows::prepare(std::int32_t y) {
     const std::int32_t first = down_.first[static_cast<std::size_t>(y)];
-    bool allZero = true;
+    allZero_ = true;
     for (std::int32_t t = 0; t < down_.count; ++t) {
         const ExpandedRow& row = expanded(first + t);
-        allZero = allZero && row.isZero;
+        allZero_ = allZero_ && row.isZero;
         rows_[static_cast<std::size_t>(t)] = row.values.data();
     }
-    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(width_) * kChannels;
-    if (allZero) {
+    std::int32_t end = y + 1;
+    while (end < height_ && down_.first[static_cast<std::size_t>(end)] == first) ++end;
+    return end - y;
+}
+
+void EnlargedRows::read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to) {
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(pixels) * kChannels;
+    if (allZero_) {
         std::fill_n(to, values, 0.0f);
-        return false;
+        return;
+    }
+    for (std::size_t t = 0; t < rows_.size(); ++t) {
+        at_[t] = rows_[t] + static_cast<std::ptrdiff_t>(x) * kChannels;
     }
     const double* weights =
         down_.weights.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(down_.count);
-    kernels_.frame.combineRows(rows_.data(), weights, down_.count,
+    kernels_.frame.combineRows(at_.data(), weights, down_.count,
                                1.0 / (across_.divisor * down_.divisor), to, values);
-    return true;
-}
-
-void EnlargedRows::rewind() {
-    for (ExpandedRow& row : ring_) {
-        row.sourceRow = -1;
-        row.isZero = false;
-    }
 }
 
 }  // namespace vireon

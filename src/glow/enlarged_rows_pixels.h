@@ -29,21 +29,23 @@ struct EnlargementTaps {
 EnlargementTaps MakeEnlargementTaps(std::int32_t size, std::int32_t sourceSize,
                                     std::int32_t radius);
 
-/// Gives the rows of a smoothed enlargement one after the other, top to bottom: what
-/// `ExpandNearest` and the tent filter make, all channels alike, without ever holding more than a
-/// few rows. Each value is rounded once, from a sum in double precision.
+/// Gives the rows of a smoothed enlargement from top to bottom: what `ExpandNearest` and the tent
+/// filter make, all channels alike, without ever holding more than a few rows. Each value is
+/// rounded once, from a sum in double precision.
 class EnlargedRows {
   public:
     /// \param source  reduced image whose values are all finite; must outlive this object
+    /// \param radius  of the tent in output pixels; 0 for none
     /// \throws std::bad_alloc
     EnlargedRows(const simd::KernelTable& kernels, const FloatImage& source, std::int32_t width,
                  std::int32_t height, std::int32_t radius);
 
-    /// Writes row `y` to `to`, which has room for the width; `y` must not go down from call to call
-    /// until `rewind`.
-    /// \return whether any value of the row may differ from 0
-    bool read(std::int32_t y, float* to);
-    void rewind();
+    /// Makes the rows from `y` on readable.
+    /// \return how many, at least 1: those that are made of the same source rows
+    std::int32_t prepare(std::int32_t y);
+
+    /// Writes `pixels` pixels from (x, y) on to `to`; row `y` must be prepared.
+    void read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to);
 
   private:
     struct ExpandedRow {
@@ -56,10 +58,13 @@ class EnlargedRows {
     const simd::KernelTable& kernels_;
     FloatImage source_;
     std::int32_t width_;
+    std::int32_t height_;
     EnlargementTaps across_;
     EnlargementTaps down_;
     std::vector<ExpandedRow> ring_;
-    std::vector<const double*> rows_;
+    std::vector<const double*> rows_;  ///< the prepared rows' sources, a tap each
+    std::vector<const double*> at_;    ///< the same from one column on
+    bool allZero_ = false;
 };
 
 }  // namespace vireon

@@ -55,11 +55,14 @@ bool Overlap(const RasterLayout& a, const RasterLayout& b) {
     return std::less<>()(beginA, endB) && std::less<>()(beginB, endA);
 }
 
-RasterLayout RowOf(const RasterLayout& layout, std::int32_t y) {
-    RasterLayout row = layout;
-    row.pixels = layout.row(y);
-    row.height = 1;
-    return row;
+// Some pixels of one row.
+RasterLayout SpanOf(const RasterLayout& layout, std::int32_t x, std::int32_t y,
+                    std::int32_t pixels) {
+    RasterLayout span = layout;
+    span.pixels = layout.row(y) + static_cast<std::ptrdiff_t>(x) * layout.bytesPerPixel;
+    span.width = std::min(pixels, layout.width - x);
+    span.height = 1;
+    return span;
 }
 
 bool IsOpaqueFrame(const simd::KernelTable& kernels, const RasterLayout& frame) {
@@ -96,22 +99,23 @@ SampledLight LightOf(const GlowSettings& settings, const FrameLayouts& layouts, 
     return light;
 }
 
-// The finished glow, row by row from the top.
+// The glow at the frame's size, from the top down.
 class GlowRows {
   public:
     virtual ~GlowRows() = default;
-    // Writes row y to `to`; rows are read in order.
-    virtual void read(std::int32_t y, float* to) = 0;
-    virtual void rewind() = 0;
+    // Makes rows from y on readable and tells how many.
+    virtual std::int32_t prepare(std::int32_t y) = 0;
+    // Writes pixels from (x, y) on to `to`.
+    virtual void read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to) = 0;
 };
 
 class ImageRows final : public GlowRows {
   public:
     explicit ImageRows(const FloatImage& image) : image_(image) {}
-    void read(std::int32_t y, float* to) override {
-        std::copy_n(image_.row(y), static_cast<std::ptrdiff_t>(image_.width) * kChannels, to);
+    std::int32_t prepare(std::int32_t) override { return 1; }
+    void read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to) override {
+        std::copy_n(image_.pixel(x, y), static_cast<std::ptrdiff_t>(pixels) * kChannels, to);
     }
-    void rewind() override {}
 
   private:
     FloatImage image_;
@@ -120,12 +124,31 @@ class ImageRows final : public GlowRows {
 class EnlargedGlowRows final : public GlowRows {
   public:
     explicit EnlargedGlowRows(EnlargedRows rows) : rows_(std::move(rows)) {}
-    void read(std::int32_t y, float* to) override { rows_.read(y, to); }
-    void rewind() override { rows_.rewind(); }
+    std::int32_t prepare(std::int32_t y) override { return rows_.prepare(y); }
+    void read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to) override {
+        rows_.read(x, y, pixels, to);
+    }
 
   private:
     EnlargedRows rows_;
 };
+
+// Pixels that go from stage to stage together: few enough to stay in the first cache with the rows
+// that they are made of.
+constexpr std::int32_t kSpan = 320;
+
+// Calls `pass` with (x, y, pixels) for every span of the first `height` rows, rows that share their
+// sources one after the other.
+template <typename Pass>
+void ForEachSpan(GlowRows& rows, std::int32_t width, std::int32_t height, Pass&& pass) {
+    for (std::int32_t y = 0; y < height;) {
+        const std::int32_t end = std::min(y + rows.prepare(y), height);
+        for (std::int32_t x = 0; x < width; x += kSpan) {
+            for (std::int32_t row = y; row < end; ++row) pass(x, row, std::min(kSpan, width - x));
+        }
+        y = end;
+    }
+}
 
 struct GlowRange {
     float largest;
@@ -146,14 +169,14 @@ GlowRange RangeOf(const simd::KernelTable& kernels, const FloatImage& glow) {
 // The largest colour of the finished glow, or 2 or more: what lies above 2 bends like 2.
 float LargestOfRows(const simd::KernelTable& kernels, GlowRows& rows, std::int32_t width,
                     std::int32_t height) {
-    std::vector<float> row(static_cast<std::size_t>(width) * kChannels);
+    std::vector<float> glow(static_cast<std::size_t>(kSpan) * kChannels);
     float largest = 0.0f;
-    for (std::int32_t y = 0; y < height && !(largest >= 2.0f); ++y) {
-        rows.read(y, row.data());
-        largest = kernels.frame.largestColour(row.data(), static_cast<std::ptrdiff_t>(row.size()),
-                                              largest);
-    }
-    rows.rewind();
+    ForEachSpan(rows, width, height, [&](std::int32_t x, std::int32_t y, std::int32_t pixels) {
+        if (largest >= 2.0f) return;
+        rows.read(x, y, pixels, glow.data());
+        largest = kernels.frame.largestColour(
+            glow.data(), static_cast<std::ptrdiff_t>(pixels) * kChannels, largest);
+    });
     return largest;
 }
 
@@ -218,22 +241,33 @@ class RowCompositor {
     std::int32_t mode_ = 0;
 };
 
+bool IsFloat(const RasterLayout& layout) {
+    return DepthOfFormat(layout.formatCode) == kDepthFloat;
+}
+
 void WriteFrame(const simd::KernelTable& kernels, const FrameLayouts& layouts, GlowRows& rows,
                 const simd::GlowRowSettings& settings, const RowCompositor& compositor) {
-    const std::int32_t width = layouts.input.width;
-    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(width) * kChannels;
+    // Float pixels are read and written where they are, others by way of these.
+    std::vector<float> convertedInput(static_cast<std::size_t>(kSpan) * kChannels);
+    std::vector<float> finished(convertedInput.size());
+    const std::int32_t width = std::min(layouts.input.width, layouts.output.width);
     const std::int32_t height = std::min(layouts.input.height, layouts.output.height);
-    std::vector<float> glow(static_cast<std::size_t>(values));
-    std::vector<float> input(glow.size());
-    const FloatImage glowRow{glow.data(), width, 1, 0};
-    const FloatImage inputRow{input.data(), width, 1, 0};
-    for (std::int32_t y = 0; y < height; ++y) {
-        ConvertPixelsToFloat(kernels, RowOf(layouts.input, y), inputRow);
-        rows.read(y, glow.data());
-        kernels.frame.finishGlow(glow.data(), input.data(), values, settings);
-        compositor.composite(glow.data(), input.data(), width);
-        ConvertPixelsFromFloat(kernels, glowRow, RowOf(layouts.output, y));
-    }
+    ForEachSpan(rows, width, height, [&](std::int32_t x, std::int32_t y, std::int32_t pixels) {
+        const RasterLayout from = SpanOf(layouts.input, x, y, pixels);
+        const RasterLayout to = SpanOf(layouts.output, x, y, pixels);
+        float* input = convertedInput.data();
+        if (IsFloat(from)) {
+            input = FloatView(from).pixels;
+        } else {
+            ConvertPixelsToFloat(kernels, from, {input, pixels, 1, 0});
+        }
+        float* glow = IsFloat(to) ? FloatView(to).pixels : finished.data();
+        rows.read(x, y, pixels, glow);
+        kernels.frame.finishGlow(glow, input, static_cast<std::ptrdiff_t>(pixels) * kChannels,
+                                 settings);
+        compositor.composite(glow, input, pixels);
+        if (!IsFloat(to)) ConvertPixelsFromFloat(kernels, {glow, pixels, 1, 0}, to);
+    });
 }
 
 }  // namespace
