@@ -14,7 +14,11 @@
 namespace vireon {
 namespace {
 
-using Positions = std::vector<std::int32_t>;
+// The columns that a row of samples reads.
+struct SampledColumns {
+    std::vector<std::int32_t> positions;
+    bool isWholeRow;  // every column from the first on, once and in order
+};
 
 // One row of light: the source pixels at some columns of one row, extracted.
 class LightRow {
@@ -31,7 +35,7 @@ class LightRow {
     std::int32_t sourceRow() const { return sourceRow_; }
 
     void extract(const simd::KernelTable& kernels, const RasterLayout& source,
-                 const SampledLight& light, std::int32_t row, const Positions& columns) {
+                 const SampledLight& light, std::int32_t row, const SampledColumns& columns) {
         sourceRow_ = row;
         const FloatImage input{input_.data(), width_, 1, 0};
         ConvertPixelsToFloat(kernels, gather(source, row, columns), input);
@@ -46,7 +50,8 @@ class LightRow {
 
   private:
     // The pixels of one source row side by side, transparent black where the source has none.
-    RasterLayout gather(const RasterLayout& source, std::int32_t row, const Positions& columns) {
+    RasterLayout gather(const RasterLayout& source, std::int32_t row,
+                        const SampledColumns& columns) {
         RasterLayout layout = source;
         layout.pixels = gathered_.data();
         layout.width = width_;
@@ -58,12 +63,11 @@ class LightRow {
         }
         const std::byte* from = source.row(row);
         std::byte* to = gathered_.data();
-        const bool wholeRow = columns.back() == width_ - 1 && width_ <= source.width;
-        if (wholeRow) {
+        if (columns.isWholeRow && width_ <= source.width) {
             std::memcpy(to, from, gathered_.size());
             return layout;
         }
-        for (const std::int32_t column : columns) {
+        for (const std::int32_t column : columns.positions) {
             if (column < source.width) {
                 std::memcpy(to, from + static_cast<std::size_t>(column) * bytes, bytes);
             } else {
@@ -81,18 +85,21 @@ class LightRow {
     std::vector<float> light_;
 };
 
-// The columns that a row of samples reads: those of all first neighbours, then, when any sample
-// lies between two pixels, those of all second ones.
-Positions SampledColumns(const std::vector<SampleTap>& taps) {
-    Positions columns;
-    columns.reserve(2 * taps.size());
+// Those of all first neighbours, then, when any sample lies between two pixels, those of all second
+// ones.
+SampledColumns ColumnsOf(const std::vector<SampleTap>& taps) {
+    SampledColumns columns{{}, true};
+    columns.positions.reserve(2 * taps.size());
     bool between = false;
     for (const SampleTap& tap : taps) {
-        columns.push_back(tap.first);
+        columns.positions.push_back(tap.first);
         between = between || tap.fraction != 0.0f;
     }
     if (between) {
-        for (const SampleTap& tap : taps) columns.push_back(tap.second);
+        for (const SampleTap& tap : taps) columns.positions.push_back(tap.second);
+    }
+    for (std::size_t i = 0; i < columns.positions.size(); ++i) {
+        if (columns.positions[i] != static_cast<std::int32_t>(i)) columns.isWholeRow = false;
     }
     return columns;
 }
@@ -118,8 +125,8 @@ void ExtractSampledLight(const simd::KernelTable& kernels, const RasterLayout& s
                          const SampledLight& light, const FloatImage& map) {
     const std::vector<SampleTap> across = TapsOf(light, light.frameWidth, map.width);
     const std::vector<SampleTap> down = TapsOf(light, light.frameHeight, map.height);
-    const Positions columns = SampledColumns(across);
-    const auto pixels = static_cast<std::int32_t>(columns.size());
+    const SampledColumns columns = ColumnsOf(across);
+    const auto pixels = static_cast<std::int32_t>(columns.positions.size());
     // Where the second neighbours lie in a row of light.
     const std::int32_t seconds = pixels == map.width ? 0 : map.width;
     const std::int32_t firstChannel = light.colourOnly ? kRed : kAlpha;

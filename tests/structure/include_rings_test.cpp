@@ -64,7 +64,7 @@ std::map<std::string, std::vector<std::string>> AllIncludes() {
     const fs::path root = SourceFolder();
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
         const std::string extension = entry.path().extension().string();
-        if (extension != ".h" && extension != ".cpp") continue;
+        if (extension != ".h" && extension != ".cpp" && extension != ".inc") continue;
         graph[fs::relative(entry.path(), root).generic_string()] = IncludesOf(entry.path());
     }
     return graph;
