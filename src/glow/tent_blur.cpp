@@ -9,6 +9,7 @@
 #include "image/pixel_format.h"
 #include "render/glow_settings.h"
 #include "render/raster_ops.h"
+#include "simd/level.h"
 
 namespace vireon {
 namespace {
@@ -26,6 +27,20 @@ enum class BlurredChannels { kRgb, kRgba, kAlpha };
 
 void BlurPass(const FloatImage& source, const FloatImage& destination, std::int32_t radius,
               BlurredChannels channels, std::int32_t direction) {
+    if (const simd::KernelTable* kernels = simd::ActiveKernels()) {
+        switch (channels) {
+            case BlurredChannels::kRgb:
+                TentBlurRGB(*kernels, source, destination, radius, direction);
+                break;
+            case BlurredChannels::kRgba:
+                TentBlurRGBA(*kernels, source, destination, radius, direction);
+                break;
+            case BlurredChannels::kAlpha:
+                TentBlurChannel(*kernels, source, destination, radius, kAlpha, direction);
+                break;
+        }
+        return;
+    }
     switch (channels) {
         case BlurredChannels::kRgb: TentBlurRGB(source, destination, radius, direction); break;
         case BlurredChannels::kRgba: TentBlurRGBA(source, destination, radius, direction); break;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "simd/kernel_table.h"
+
 namespace vireon {
 namespace {
 
@@ -75,6 +77,20 @@ std::int32_t BlurChannels(const FloatImage& source, const FloatImage& destinatio
     return 0;
 }
 
+std::int32_t BlurChannels(const simd::KernelTable& kernels, const FloatImage& source,
+                          const FloatImage& destination, std::int32_t radius,
+                          std::int32_t firstChannel, std::int32_t lastChannel,
+                          std::int32_t direction) {
+    const bool alongRows = direction == kAlongRows;
+    const std::int32_t clamped = ClampTentRadius(radius, alongRows ? source.width : source.height);
+    if (clamped <= 0) return 0;
+    simd::TentPass pass{source.pixels, destination.pixels, source.rowBytes, destination.rowBytes,
+                        source.width,  source.height,      clamped,         {}};
+    for (std::int32_t c = firstChannel; c <= lastChannel; ++c) pass.channels[c] = true;
+    (alongRows ? kernels.tent.alongRows : kernels.tent.alongColumns)(pass);
+    return 0;
+}
+
 }  // namespace
 
 std::int32_t ClampTentRadius(std::int32_t radius, std::int32_t length) {
@@ -94,6 +110,24 @@ std::int32_t TentBlurRGBA(const FloatImage& source, const FloatImage& destinatio
 std::int32_t TentBlurChannel(const FloatImage& source, const FloatImage& destination,
                              std::int32_t radius, std::int32_t channel, std::int32_t direction) {
     return BlurChannels(source, destination, radius, channel, channel, direction);
+}
+
+std::int32_t TentBlurRGB(const simd::KernelTable& kernels, const FloatImage& source,
+                         const FloatImage& destination, std::int32_t radius,
+                         std::int32_t direction) {
+    return BlurChannels(kernels, source, destination, radius, kRed, kBlue, direction);
+}
+
+std::int32_t TentBlurRGBA(const simd::KernelTable& kernels, const FloatImage& source,
+                          const FloatImage& destination, std::int32_t radius,
+                          std::int32_t direction) {
+    return BlurChannels(kernels, source, destination, radius, kAlpha, kBlue, direction);
+}
+
+std::int32_t TentBlurChannel(const simd::KernelTable& kernels, const FloatImage& source,
+                             const FloatImage& destination, std::int32_t radius,
+                             std::int32_t channel, std::int32_t direction) {
+    return BlurChannels(kernels, source, destination, radius, channel, channel, direction);
 }
 
 }  // namespace vireon

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "image/float_image.h"
+#include "simd/level.h"
 
 namespace vireon {
 
@@ -36,5 +37,17 @@ std::int32_t TentBlurRGBA(const FloatImage& source, const FloatImage& destinatio
 /// The one float at place `channel` (0 to 3) of every pixel.
 std::int32_t TentBlurChannel(const FloatImage& source, const FloatImage& destination,
                              std::int32_t radius, std::int32_t channel, std::int32_t direction);
+
+/// The same passes by the kernels of a level, bit by bit; they read and write back, but never
+/// change, the other channels of the pixels that they write.
+std::int32_t TentBlurRGB(const simd::KernelTable& kernels, const FloatImage& source,
+                         const FloatImage& destination, std::int32_t radius,
+                         std::int32_t direction);
+std::int32_t TentBlurRGBA(const simd::KernelTable& kernels, const FloatImage& source,
+                          const FloatImage& destination, std::int32_t radius,
+                          std::int32_t direction);
+std::int32_t TentBlurChannel(const simd::KernelTable& kernels, const FloatImage& source,
+                             const FloatImage& destination, std::int32_t radius,
+                             std::int32_t channel, std::int32_t direction);
 
 }  // namespace vireon

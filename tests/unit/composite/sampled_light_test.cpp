@@ -59,7 +59,7 @@ Picture StageByStage(const RasterLayout& source, const SampledLight& light, std:
 void Check(const Source& source, const SampledLight& light, std::int32_t width,
            std::int32_t height) {
     const Picture want = StageByStage(source.layout, light, width, height);
-    for (const simd::Level level : FastLevels()) {
+    for (const simd::Level level : KernelLevels()) {
         Picture got(width, height);
         ExtractSampledLight(*simd::KernelsOf(level), source.layout, light, got.view());
         EXPECT_TRUE(SamePixels(got, want))

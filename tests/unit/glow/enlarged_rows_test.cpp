@@ -104,7 +104,7 @@ void CheckEnlargement(const Picture& small, Size size, std::int32_t radius, doub
     const Picture plain = PlainEnlargement(small, size, radius);
     const std::vector<double> exact = ExactEnlargement(small, size, radius);
     std::vector<Picture> pictures;
-    for (const simd::Level level : FastLevels()) {
+    for (const simd::Level level : KernelLevels()) {
         EnlargedRows rows(*simd::KernelsOf(level), small.view(), size.width, size.height, radius);
         pictures.push_back(ReadAll(rows, size, 1 + size.width / 3));
         EXPECT_TRUE(SamePixels(pictures.back(), pictures.front())) << simd::LevelName(level);
@@ -144,7 +144,7 @@ TEST(EnlargedRows, FlatImagesStayFlatToTheBit) {
     small.fill(0.7f);
     Picture want(49, 37);
     want.fill(0.7f);
-    for (const simd::Level level : FastLevels()) {
+    for (const simd::Level level : KernelLevels()) {
         EnlargedRows rows(*simd::KernelsOf(level), small.view(), 49, 37, 4);
         EXPECT_TRUE(SamePixels(ReadAll(rows, {49, 37}, 7), want)) << simd::LevelName(level);
     }
@@ -155,7 +155,7 @@ TEST(EnlargedRows, RowsWithoutLightBetweenRowsWithSomeAreZero) {
     small.fill(0.0f);
     small.set(2, 1, {0.0f, 1.0f, 2.0f, 3.0f});
     small.set(4, 17, {0.0f, 3.0f, 2.0f, 1.0f});
-    for (const simd::Level level : FastLevels()) {
+    for (const simd::Level level : KernelLevels()) {
         EnlargedRows rows(*simd::KernelsOf(level), small.view(), 24, 80, 4);
         const Picture got = ReadAll(rows, {24, 80}, 24);
         const Picture want = PlainEnlargement(small, {24, 80}, 4);
@@ -172,7 +172,7 @@ TEST(EnlargedRows, WithoutSmoothingAreTheNearestSamples) {
     small.randomize(random, -1.0f, 9.0f);
     Picture want(45, 31);
     ExpandNearest(small.view(), want.view());
-    for (const simd::Level level : FastLevels()) {
+    for (const simd::Level level : KernelLevels()) {
         EnlargedRows rows(*simd::KernelsOf(level), small.view(), 45, 31, 0);
         EXPECT_TRUE(SamePixels(ReadAll(rows, {45, 31}, 8), want)) << simd::LevelName(level);
     }

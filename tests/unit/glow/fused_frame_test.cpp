@@ -116,7 +116,7 @@ Picture Staged(const Frame& frame, GlowSettings settings, bool highQuality = tru
 /// The frame in one pass, at every level; all levels must agree.
 Picture Fused(const Frame& frame, const GlowSettings& settings, bool highQuality = true) {
     std::vector<Picture> pictures;
-    for (const simd::Level level : FastLevels()) {
+    for (const simd::Level level : KernelLevels()) {
         FakeHost host;
         host.highQuality = highQuality;
         Frame own(frame);
@@ -232,7 +232,7 @@ TEST(FusedFrame, GlowThatIsNotFiniteSpreadsAsInTheStages) {
     frame.source.set(source);
     GlowSettings settings = Settings(kAddChoice, 1);
     settings.glowIntensity = 1000.0;
-    for (const simd::Level level : FastLevels()) {
+    for (const simd::Level level : KernelLevels()) {
         FakeHost host;
         host.shape = &huge;
         Picture sourceFloat = frame.source.asFloat();

@@ -94,7 +94,7 @@ testing::AssertionResult SameBits(Row got, Row want) {
 /// Calls `test` with the kernels, a row length and a first float, and names them on failure.
 template <typename Test>
 void AtEveryLevelAndLength(Test&& test) {
-    for (const simd::Level level : FastLevels()) {
+    for (const simd::Level level : KernelLevels()) {
         for (std::int32_t pixels = 1; pixels <= kLongestRow; ++pixels) {
             const std::int32_t offset = pixels % 4;
             SCOPED_TRACE(std::string(simd::LevelName(level)) + ", " + std::to_string(pixels) +
@@ -172,7 +172,7 @@ TEST(FrameKernels, EveryByteAndEveryRoundingBorderSurvivesTheWayThereAndBack) {
         borders.insert(borders.end(), {border, std::nextafter(border, 0.0f),
                                        std::nextafter(border, 2.0f), border * 1.001f});
     }
-    for (const simd::Level level : FastLevels()) {
+    for (const simd::Level level : KernelLevels()) {
         const simd::FrameKernels& kernels = simd::KernelsOf(level)->frame;
         std::vector<std::uint8_t> back(bytes.size());
         kernels.from8(bytes.data(), floats.data(), 256);
@@ -327,7 +327,7 @@ TEST(FrameKernels, TheSoftClipBendsEveryBrightnessAsThePlainOneDoes) {
             {true, true, true}, true, false, false, true, 0.0f, 0.0f, 1.0f, true};
         row.excess = std::min(largest - 1.0f, 1.0f);
         row.knee = 1.0f - row.excess;
-        for (const simd::Level level : FastLevels()) {
+        for (const simd::Level level : KernelLevels()) {
             std::vector<float> got = sweep;
             simd::KernelsOf(level)->frame.finishGlow(got.data(), sweep.data(),
                                                      static_cast<std::ptrdiff_t>(got.size()), row);
