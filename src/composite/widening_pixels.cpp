@@ -1,6 +1,9 @@
 #include "composite/widening_pixels.h"
 
 #include <algorithm>
+#include <iterator>
+
+#include "simd/kernel_table.h"
 
 namespace vireon {
 namespace {
@@ -8,6 +11,18 @@ namespace {
 // Half width of the window that counts in full.
 std::int32_t FullReach(WideningReach reach) {
     return std::max(reach.whole - 2, 0);
+}
+
+// Lines side by side need their blocks side by side; beyond this many lengths of the line that is
+// much memory for little.
+bool SuitsKernels(std::int32_t length, WideningReach reach) {
+    constexpr std::int64_t kLongestBlocks = 4;
+    return 2 * static_cast<std::int64_t>(FullReach(reach)) + 1 <= kLongestBlocks * length;
+}
+
+std::size_t KernelScratchBytes(WideningReach reach) {
+    const std::size_t block = 2 * static_cast<std::size_t>(FullReach(reach)) + 1;
+    return 2 * block * simd::kWideningFloats * sizeof(float);
 }
 
 // Three lines of the padded length: the values, and their running maxima up to and from the borders
@@ -68,7 +83,8 @@ void WidenLine(std::byte* first, std::ptrdiff_t step, std::int32_t length, Widen
 std::size_t WideningScratchBytes(std::int32_t length, WideningReach reach) {
     const auto padded =
         static_cast<std::size_t>(length) + 2 * static_cast<std::size_t>(reach.whole);
-    return 3 * padded * sizeof(float);
+    const std::size_t plain = 3 * padded * sizeof(float);
+    return SuitsKernels(length, reach) ? std::max(plain, KernelScratchBytes(reach)) : plain;
 }
 
 void WidenLight(const FloatImage& map, WideningReach reach, bool alongRows,
@@ -89,6 +105,26 @@ void WidenLight(const FloatImage& map, WideningReach reach, bool alongRows,
             WidenLine(reinterpret_cast<std::byte*>(first + c), step, length, reach, buffers);
         }
     }
+}
+
+void WidenLight(const simd::KernelTable& kernels, const FloatImage& map, WideningReach reach,
+                bool alongRows, const ChannelFlags& channels, void* scratch) {
+    if (reach.whole == 0 || map.width <= 0 || map.height <= 0) return;
+    if (!SuitsKernels(alongRows ? map.width : map.height, reach)) {
+        WidenLight(map, reach, alongRows, channels, scratch);
+        return;
+    }
+    simd::WideningPass pass{map.pixels,
+                            map.rowBytes,
+                            map.width,
+                            map.height,
+                            FullReach(reach),
+                            reach.whole,
+                            reach.fraction,
+                            {},
+                            static_cast<float*>(scratch)};
+    std::copy(std::begin(channels.enabled), std::end(channels.enabled), pass.channels);
+    (alongRows ? kernels.widening.alongRows : kernels.widening.alongColumns)(pass);
 }
 
 }  // namespace vireon

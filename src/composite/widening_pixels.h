@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "image/float_image.h"
+#include "simd/level.h"
 
 namespace vireon {
 
@@ -13,7 +14,8 @@ struct WideningReach {
     float fraction;
 };
 
-/// Bytes of scratch memory that a pass over lines of `length` pixels needs.
+/// Bytes of scratch memory that a pass over lines of `length` pixels needs, be it the plain one or
+/// one by kernels.
 std::size_t WideningScratchBytes(std::int32_t length, WideningReach reach);
 
 /// One pass of a grey-scale dilation (running maximum) along rows or columns, in place, channel by
@@ -27,5 +29,10 @@ std::size_t WideningScratchBytes(std::int32_t length, WideningReach reach);
 /// \param scratch  `WideningScratchBytes` bytes, aligned for float
 void WidenLight(const FloatImage& map, WideningReach reach, bool alongRows,
                 const ChannelFlags& channels, void* scratch);
+
+/// The same pass by the kernels of a level, bit by bit. A window far longer than the line takes the
+/// plain pass, which needs less scratch memory there.
+void WidenLight(const simd::KernelTable& kernels, const FloatImage& map, WideningReach reach,
+                bool alongRows, const ChannelFlags& channels, void* scratch);
 
 }  // namespace vireon
