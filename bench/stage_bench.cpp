@@ -19,6 +19,7 @@
 #include "image/convert_pixels.h"
 #include "image/pixel_format.h"
 #include "render/glow_settings.h"
+#include "simd/level.h"
 #include "tools/scenes/scenes.h"
 
 namespace {
@@ -117,6 +118,44 @@ void Widening(benchmark::State& state) {
     });
 }
 
+/// The kernels of the active level; a benchmark of theirs has nothing to run at the plain one.
+const simd::KernelTable* KernelsOrSkip(benchmark::State& state) {
+    const simd::KernelTable* kernels = simd::ActiveKernels();
+    if (kernels == nullptr) state.SkipWithError("the plain level has no kernels");
+    return kernels;
+}
+
+void ThresholdAndPowerFast(benchmark::State& state) {
+    const simd::KernelTable* kernels = KernelsOrSkip(state);
+    if (kernels == nullptr) return;
+    Measure(state, [&](const FloatImage& image) {
+        SubtractThresholdAndShapeLight(*kernels, image, 0.5f, 1.5f, 1.0f, false);
+    });
+}
+
+/// No light falls below the threshold, so that every float needs its power.
+void PowerOfAll(benchmark::State& state) {
+    Measure(state, [](const FloatImage& image) { ShapeLight(image, 1.5f, 1.0f, false); });
+}
+
+void PowerOfAllFast(benchmark::State& state) {
+    const simd::KernelTable* kernels = KernelsOrSkip(state);
+    if (kernels == nullptr) return;
+    Measure(state,
+            [&](const FloatImage& image) { ShapeLight(*kernels, image, 1.5f, 1.0f, false); });
+}
+
+void WideningFast(benchmark::State& state) {
+    const simd::KernelTable* kernels = KernelsOrSkip(state);
+    if (kernels == nullptr) return;
+    const WideningReach reach{static_cast<std::int32_t>(state.range(0)), 0.5f};
+    std::vector<float> scratch(WideningScratchBytes(kWidth, reach) / sizeof(float));
+    Measure(state, [&](const FloatImage& image) {
+        WidenLight(*kernels, image, reach, true, {}, scratch.data());
+        WidenLight(*kernels, image, reach, false, {}, scratch.data());
+    });
+}
+
 void EllipseMaskPass(benchmark::State& state) {
     const EllipseMask ellipse{kWidth / 2.0f, kHeight / 2.0f, 500.0f, 1.0f, 1.0f, 0.5f};
     Measure(state, [&](const FloatImage& image) {
@@ -175,6 +214,17 @@ void TentBlur(benchmark::State& state) {
     });
 }
 
+void TentBlurFast(benchmark::State& state) {
+    const simd::KernelTable* kernels = KernelsOrSkip(state);
+    if (kernels == nullptr) return;
+    const auto radius = static_cast<std::int32_t>(state.range(0));
+    Pixels scratch(kWidth, kHeight);
+    Measure(state, [&](const FloatImage& image) {
+        TentBlurRGB(*kernels, image, scratch.view(), radius, kAlongRows);
+        TentBlurRGB(*kernels, scratch.view(), image, radius, kAlongColumns);
+    });
+}
+
 void SoftClip(benchmark::State& state) {
     Pixels bright = Night();
     for (float& value : bright.values) value *= 2.0f;
@@ -199,12 +249,17 @@ void Composite(benchmark::State& state, std::int32_t mode) {
 BENCHMARK(ConvertFrom8Bits)->Unit(benchmark::kMillisecond);
 BENCHMARK(ConvertTo8Bits)->Unit(benchmark::kMillisecond);
 BENCHMARK(ThresholdAndPower)->Unit(benchmark::kMillisecond);
+BENCHMARK(ThresholdAndPowerFast)->Name("ThresholdAndPower/fast")->Unit(benchmark::kMillisecond);
+BENCHMARK(PowerOfAll)->Unit(benchmark::kMillisecond);
+BENCHMARK(PowerOfAllFast)->Name("PowerOfAll/fast")->Unit(benchmark::kMillisecond);
 BENCHMARK(Widening)->Arg(31)->Arg(125)->Unit(benchmark::kMillisecond);
+BENCHMARK(WideningFast)->Name("Widening/fast")->Arg(31)->Arg(125)->Unit(benchmark::kMillisecond);
 BENCHMARK(EllipseMaskPass)->Unit(benchmark::kMillisecond);
 BENCHMARK(ReduceBy4)->Unit(benchmark::kMillisecond);
 BENCHMARK(StampShapes4to1)->Unit(benchmark::kMillisecond);
 BENCHMARK(EnlargeBy4)->Unit(benchmark::kMillisecond);
 BENCHMARK(TentBlur)->Arg(4)->Arg(100)->Unit(benchmark::kMillisecond);
+BENCHMARK(TentBlurFast)->Name("TentBlur/fast")->Arg(4)->Arg(100)->Unit(benchmark::kMillisecond);
 BENCHMARK(SoftClip)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Composite, Add, 4)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Composite, Overlay, 7)->Unit(benchmark::kMillisecond);

@@ -11,6 +11,7 @@
 #include "image/tolerance.h"
 #include "render/glow_settings.h"
 #include "render/raster_ops.h"
+#include "simd/level.h"
 
 namespace vireon {
 namespace {
@@ -53,7 +54,11 @@ std::int32_t Widen(PluginHost_API& host, const GlowSettings& settings, PluginRas
         if (handle == nullptr) return kOutOfMemory;
         void* scratch = host.lockHandle(handle);
         if (scratch != nullptr) {
-            WidenLight(image, reach, alongRows, channels, scratch);
+            if (const simd::KernelTable* kernels = simd::ActiveKernels()) {
+                WidenLight(*kernels, image, reach, alongRows, channels, scratch);
+            } else {
+                WidenLight(image, reach, alongRows, channels, scratch);
+            }
             host.unlockHandle(handle);
         }
         host.disposeHandle(handle);
@@ -81,16 +86,34 @@ std::int32_t ExtractBrightness(PluginHost_API& host, GlowSettings& settings,
         if (result != kSuccess) return result;
     }
     const auto threshold = static_cast<float>(settings.threshold / 100.0);
-    if (!NearZero(threshold)) SubtractThreshold(light, threshold, settings.singleChannel);
+    const auto exponent = static_cast<float>(settings.glowFalloff);
+    const auto gain = static_cast<float>(settings.lightGain);
+    const bool subtracts = !NearZero(threshold);
+    const bool blurs = !NearZero(settings.blurInput);
+    const bool masks = settings.enableMask || settings.view == kViewMask;
+    const simd::KernelTable* kernels = simd::ActiveKernels();
 
-    if (!NearZero(settings.blurInput)) {
+    if (kernels != nullptr && subtracts && !blurs && !masks) {
+        SubtractThresholdAndShapeLight(*kernels, light, threshold, exponent, gain,
+                                       settings.singleChannel);
+        return result;
+    }
+    if (subtracts && kernels != nullptr) {
+        SubtractThreshold(*kernels, light, threshold, settings.singleChannel);
+    } else if (subtracts) {
+        SubtractThreshold(light, threshold, settings.singleChannel);
+    }
+    if (blurs) {
         result = BlurRaster(host, map, std::nullopt, settings, settings.singleChannel);
     }
-    if (settings.enableMask || settings.view == kViewMask) {
+    if (masks) {
         result = ApplyGlowMask(host, settings, map, mask, settings.singleChannel);
     }
-    ShapeLight(light, static_cast<float>(settings.glowFalloff),
-               static_cast<float>(settings.lightGain), settings.singleChannel);
+    if (kernels != nullptr) {
+        ShapeLight(*kernels, light, exponent, gain, settings.singleChannel);
+    } else {
+        ShapeLight(light, exponent, gain, settings.singleChannel);
+    }
     return result;
 }
 

@@ -1,8 +1,12 @@
 #include "composite/brightness_pixels.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "composite/finite_light.h"
 #include "image/exact_math.h"
 #include "image/tolerance.h"
+#include "simd/kernel_table.h"
 
 namespace vireon {
 namespace {
@@ -24,6 +28,36 @@ void MapWholePixels(const FloatImage& input, const FloatImage& map) {
         float* to = map.row(y);
         for (std::int32_t i = 0; i < map.width * kChannels; ++i) to[i] = FiniteLight(from[i]);
     }
+}
+
+// Both steps of a stretch of one row that the kernels have left alone.
+void ShapePlainly(const FloatImage& map, std::int32_t x, std::int32_t y, std::int32_t width,
+                  const simd::LightShaping& shaping) {
+    const FloatImage part{map.pixel(x, y), width, 1, map.rowBytes};
+    if (shaping.subtracts) SubtractThreshold(part, shaping.threshold, shaping.alphaOnly);
+    ShapeLight(part, shaping.exponent, shaping.gain, shaping.alphaOnly);
+}
+
+void ShapeByKernels(const simd::PowerKernels& power, const FloatImage& map,
+                    const simd::LightShaping& shaping) {
+    for (std::int32_t y = 0; y < map.height; ++y) {
+        for (std::int32_t x = 0; x < map.width;) {
+            x += power.shape(map.pixel(x, y), map.width - x, shaping);
+            const std::int32_t left = std::min(power.blockPixels, map.width - x);
+            ShapePlainly(map, x, y, left, shaping);
+            x += left;
+        }
+    }
+}
+
+bool TakesKernelPower(float exponent) {
+    return !NearOne(exponent) && exponent > 0.0f && std::isfinite(exponent);
+}
+
+simd::LightShaping ShapingOf(float exponent, float gain, bool alphaOnly) {
+    const bool whole = std::trunc(exponent) == exponent;
+    return {false, 0.0f,     exponent, whole, whole && std::fmod(exponent, 2.0f) != 0.0f,
+            gain,  alphaOnly};
 }
 
 }  // namespace
@@ -87,6 +121,41 @@ void ShapeLight(const FloatImage& map, float exponent, float gain, bool alphaOnl
             }
         }
     }
+}
+
+void SubtractThreshold(const simd::KernelTable& kernels, const FloatImage& map, float threshold,
+                       bool alphaOnly) {
+    for (std::int32_t y = 0; y < map.height; ++y) {
+        kernels.power.subtractThreshold(map.row(y), map.width, threshold, alphaOnly);
+    }
+}
+
+void ShapeLight(const simd::KernelTable& kernels, const FloatImage& map, float exponent, float gain,
+                bool alphaOnly) {
+    if (TakesKernelPower(exponent)) {
+        ShapeByKernels(kernels.power, map, ShapingOf(exponent, gain, alphaOnly));
+    } else if (NearOne(exponent)) {
+        if (NearOne(gain) && !alphaOnly) return;
+        const float factor = NearOne(gain) ? 1.0f : gain;
+        for (std::int32_t y = 0; y < map.height; ++y) {
+            kernels.power.scale(map.row(y), map.width, factor, alphaOnly);
+        }
+    } else {
+        ShapeLight(map, exponent, gain, alphaOnly);
+    }
+}
+
+void SubtractThresholdAndShapeLight(const simd::KernelTable& kernels, const FloatImage& map,
+                                    float threshold, float exponent, float gain, bool alphaOnly) {
+    if (!TakesKernelPower(exponent)) {
+        SubtractThreshold(kernels, map, threshold, alphaOnly);
+        ShapeLight(kernels, map, exponent, gain, alphaOnly);
+        return;
+    }
+    simd::LightShaping shaping = ShapingOf(exponent, gain, alphaOnly);
+    shaping.subtracts = true;
+    shaping.threshold = threshold;
+    ShapeByKernels(kernels.power, map, shaping);
 }
 
 }  // namespace vireon

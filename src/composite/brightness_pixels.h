@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "image/float_image.h"
+#include "simd/level.h"
 
 namespace vireon {
 
@@ -23,5 +24,14 @@ void SubtractThreshold(const FloatImage& map, float threshold, bool alphaOnly);
 /// channels. An exponent of 1 takes no power; a power that is no number is 0, one that is too large
 /// the largest light.
 void ShapeLight(const FloatImage& map, float exponent, float gain, bool alphaOnly);
+
+/// The same steps by the kernels of a level, bit by bit.
+void SubtractThreshold(const simd::KernelTable& kernels, const FloatImage& map, float threshold,
+                       bool alphaOnly);
+void ShapeLight(const simd::KernelTable& kernels, const FloatImage& map, float exponent, float gain,
+                bool alphaOnly);
+/// `SubtractThreshold`, then `ShapeLight`, in one pass over the map where the kernels can.
+void SubtractThresholdAndShapeLight(const simd::KernelTable& kernels, const FloatImage& map,
+                                    float threshold, float exponent, float gain, bool alphaOnly);
 
 }  // namespace vireon

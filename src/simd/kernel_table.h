@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simd/frame_kernels.h"
+#include "simd/power_kernels.h"
 #include "simd/stamp_kernels.h"
 #include "simd/tent_kernels.h"
 #include "simd/widening_kernels.h"
@@ -11,6 +12,7 @@ namespace vireon::simd {
 /// no host, allocate nothing and keep no state.
 struct KernelTable {
     FrameKernels frame;
+    PowerKernels power;
     StampKernels stamps;
     TentKernels tent;
     WideningKernels widening;
