@@ -43,9 +43,9 @@ class LightRow {
         const bool singleChannel = light.inputChannels != 0;
         MapBrightness(input, map, light.inputChannels);
         if (!NearZero(light.threshold)) {
-            SubtractThreshold(map, light.threshold, singleChannel);
+            SubtractThreshold(kernels, map, light.threshold, singleChannel);
         }
-        ShapeLight(map, light.exponent, light.gain, singleChannel);
+        ShapeLight(kernels, map, light.exponent, light.gain, singleChannel);
     }
 
   private:
