@@ -1,4 +1,4 @@
-#include "bench/bench_host.h"
+#include "benchmarks/bench_host.h"
 
 #include <cstdlib>
 

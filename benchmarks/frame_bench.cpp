@@ -5,7 +5,7 @@
 
 #include <stdexcept>
 
-#include "bench/bench_host.h"
+#include "benchmarks/bench_host.h"
 #include "render/parameter_ids.h"
 #include "tools/scenes/scenes.h"
 
