@@ -1,11 +1,12 @@
-# Shared by ./demo and ./check: installs what is missing and builds. Meant to be sourced by a shell
-# that stands in the project's folder.
+# Shared by ./demo, ./check and ./bench: installs what is missing and builds. Meant to be sourced by
+# a shell that stands in the project's folder.
 
 # Debian packages, by what needs them.
 packages_build="g++ cmake ninja-build libopenimageio-dev libcli11-dev nlohmann-json3-dev"
 packages_windows="g++-mingw-w64-x86-64-posix wine wine64"
 packages_demo="openimageio-tools fonts-dejavu-core"
-packages_test="libgtest-dev googletest libbenchmark-dev clang"
+packages_test="libgtest-dev googletest clang"
+packages_bench="libbenchmark-dev"
 
 say() { printf '%s\n' "$*"; }
 

@@ -1,0 +1,83 @@
+#include "benchmarks/speed_clock.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <ctime>
+#endif
+
+namespace vireon::bench {
+namespace {
+
+/// No sample needs more runs than this, however short they are.
+constexpr double kMostRuns = 10000.0;
+
+class Side {
+  public:
+    Side(const std::function<void()>& run, const Repeats& repeats) : run_(run) {
+        run_();
+        const double once = seconds(1);
+        runs_ = static_cast<int>(
+            std::clamp(std::ceil(repeats.sampleSeconds / std::max(once, 1e-6)), 1.0, kMostRuns));
+        // A run that fills a sample by itself has just given one.
+        if (runs_ == 1) least_ = once;
+    }
+    void sample() { least_ = std::min(least_, seconds(runs_) / runs_); }
+    double milliseconds() const { return least_ * 1000.0; }
+
+  private:
+    double seconds(int runs) const {
+        const double start = ThreadSeconds();
+        for (int i = 0; i < runs; ++i) run_();
+        return ThreadSeconds() - start;
+    }
+
+    const std::function<void()>& run_;
+    int runs_ = 1;
+    double least_ = std::numeric_limits<double>::infinity();
+};
+
+}  // namespace
+
+double ThreadSeconds() {
+#if defined(_WIN32)
+    FILETIME created{};
+    FILETIME ended{};
+    FILETIME kernel{};
+    FILETIME user{};
+    GetThreadTimes(GetCurrentThread(), &created, &ended, &kernel, &user);
+    const auto ticks = [](const FILETIME& time) {
+        return static_cast<double>(static_cast<std::uint64_t>(time.dwHighDateTime) << 32 |
+                                   time.dwLowDateTime);
+    };
+    return (ticks(kernel) + ticks(user)) * 1e-7;
+#else
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+#endif
+}
+
+Pair MeasureInTurns(const std::function<void()>& plain, const std::function<void()>& ours,
+                    const Repeats& repeats) {
+    Side plainSide(plain, repeats);
+    Side ourSide(ours, repeats);
+    for (int round = 0; round < repeats.rounds; ++round) {
+        plainSide.sample();
+        ourSide.sample();
+    }
+    return {plainSide.milliseconds(), ourSide.milliseconds()};
+}
+
+double MeasureAlone(const std::function<void()>& run, const Repeats& repeats) {
+    Side side(run, repeats);
+    for (int round = 0; round < repeats.rounds; ++round) side.sample();
+    return side.milliseconds();
+}
+
+}  // namespace vireon::bench

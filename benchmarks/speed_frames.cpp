@@ -1,0 +1,220 @@
+#include "benchmarks/speed_frames.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "benchmarks/bench_host.h"
+#include "headless/host.h"
+#include "shapes/shape_library.h"
+#include "tools/scenes/scenes.h"
+
+namespace vireon::bench {
+namespace {
+
+namespace fs = std::filesystem;
+using headless::Depth;
+using headless::World;
+using scenes::Canvas;
+using scenes::LightRange;
+
+constexpr int kWidth = 1920;
+constexpr int kHeight = 1080;
+/// A frame of four times the area may take that much and some more for the caches.
+constexpr double kMostGrowth = 4.5;
+
+void SetVariable(const char* name, const std::string& value) {
+#if defined(_WIN32)
+    _putenv_s(name, value.c_str());
+#else
+    setenv(name, value.c_str(), 1);
+#endif
+}
+
+Canvas Filled(scenes::Colour colour) {
+    Canvas canvas(kWidth, kHeight);
+    for (int y = 0; y < kHeight; ++y) {
+        for (int x = 0; x < kWidth; ++x) canvas.set(x, y, colour);
+    }
+    return canvas;
+}
+
+/// The matte of a title: strokes as letters have them, soft lights behind, nothing elsewhere.
+Canvas TitleMatte() {
+    Canvas matte(kWidth, kHeight);
+    constexpr scenes::Colour kOn{1.0f, 1.0f, 1.0f};
+    for (int letter = 0; letter < 9; ++letter) {
+        const double left = 210.0 + letter * 170.0;
+        scenes::AddSoftLight(matte, {left + 60.0, 540.0}, 220.0, {0.3f, 0.3f, 0.3f});
+        scenes::DrawLine(matte, {left, 400.0}, {left + 40.0, 680.0}, 26.0, kOn);
+        scenes::DrawLine(matte, {left + 40.0, 680.0}, {left + 110.0, 400.0}, 26.0, kOn);
+        scenes::DrawCircle(matte, {left + 60.0, 300.0}, 40.0, 14.0, kOn);
+    }
+    return matte;
+}
+
+std::shared_ptr<World> TitleLayer(const Canvas& picture) {
+    const Canvas matte = TitleMatte();
+    auto world = MakeLayer(picture, Depth::k8);
+    for (int y = 0; y < kHeight; ++y) {
+        for (int x = 0; x < kWidth; ++x) {
+            sdk::PF_PixelFloat color = world->color(x, y);
+            color.alpha = matte.at(x, y).red;
+            world->setColor(x, y, color);
+        }
+    }
+    return world;
+}
+
+void Expect(bool good, const std::string& report) {
+    if (!good) throw std::runtime_error("a frame failed: " + report);
+}
+
+/// The effect's default settings on one layer, rendered again and again.
+class Film {
+  public:
+    Film(const headless::EffectLibrary& library, std::shared_ptr<World> layer)
+        : host_(library, quietSettings()), depth_(layer->depth()) {
+        for (const auto& result : host_.setUp()) Expect(result.error == 0, result.report());
+        host_.setInput(std::move(layer));
+        request_ = host_.fullRequest(depth_);
+    }
+    void render() {
+        const headless::RenderOutcome outcome = host_.renderSmart(request_);
+        Expect(outcome.error() == 0 && outcome.output != nullptr, outcome.report());
+    }
+    std::size_t peakBytes() {
+        host_.resetPeak();
+        render();
+        return host_.peakBytes();
+    }
+
+  private:
+    static headless::HostSettings quietSettings() {
+        headless::HostSettings settings;
+        // The host's own checks are no part of what is measured.
+        settings.checkInputs = false;
+        settings.scribble = false;
+        return settings;
+    }
+
+    headless::Host host_;
+    Depth depth_;
+    headless::RenderRequest request_;
+};
+
+/// Copies of the library by the level that each has taken.
+class Libraries {
+  public:
+    Libraries(const fs::path& plugin, const fs::path& work)
+        : plugin_(fs::absolute(plugin)), work_(fs::absolute(work)) {
+        if (std::getenv(kBrushFolderVariable) == nullptr) {
+            SetVariable(kBrushFolderVariable,
+                        (plugin_.parent_path() / "Vireon" / "Brush").make_preferred().string());
+        }
+    }
+
+    const headless::EffectLibrary& at(simd::Level level) {
+        const auto found = libraries_.find(level);
+        if (found != libraries_.end()) return found->second;
+        const fs::path folder = work_ / simd::LevelName(level);
+        fs::create_directories(folder);
+        const fs::path copy = (folder / plugin_.filename()).make_preferred();
+        fs::copy_file(plugin_, copy, fs::copy_options::overwrite_existing);
+        SetVariable(simd::kLevelVariable, simd::LevelName(level));
+        const auto& library = libraries_.emplace(level, copy.string()).first->second;
+        // The level is found out by the first frame that has light, and stays.
+        Film(library, MakeLayer(scenes::DrawLights(64, 64, LightRange::kDisplay), Depth::k8))
+            .render();
+        return library;
+    }
+
+  private:
+    fs::path plugin_;
+    fs::path work_;
+    std::map<simd::Level, headless::EffectLibrary> libraries_;
+};
+
+struct Case {
+    const char* name;
+    std::optional<double> required;
+    simd::Level level;
+};
+
+class FrameTable {
+  public:
+    explicit FrameTable(const FrameOptions& options)
+        : options_(options), libraries_(options.plugin, options.work) {}
+
+    const SpeedRow& measure(const Case& frame, const std::shared_ptr<World>& layer) {
+        Film plain(libraries_.at(simd::Level::kPlain), layer);
+        Film ours(libraries_.at(frame.level), layer);
+        const Pair pair =
+            MeasureInTurns([&] { plain.render(); }, [&] { ours.render(); }, options_.repeats);
+        SpeedRow row;
+        row.name = frame.name;
+        row.plainMs = pair.plain;
+        row.oursMs = pair.ours;
+        row.requiredRatio = frame.required;
+        row.level = simd::LevelName(frame.level);
+        row.plainPeakBytes = plain.peakBytes();
+        row.oursPeakBytes = ours.peakBytes();
+        if (options_.onRow) options_.onRow(row);
+        rows_.push_back(std::move(row));
+        return rows_.back();
+    }
+    std::vector<SpeedRow> take() { return std::move(rows_); }
+
+  private:
+    const FrameOptions& options_;
+    Libraries libraries_;
+    std::vector<SpeedRow> rows_;
+};
+
+}  // namespace
+
+std::vector<SpeedRow> MeasureFrames(const FrameOptions& options,
+                                    std::vector<std::string>& remarks) {
+    const simd::Level level = options.level;
+    FrameTable table(options);
+    const Canvas night = scenes::DrawNightCity(kWidth, kHeight, LightRange::kDisplay);
+    const auto nightLayer = MakeLayer(night, Depth::k8);
+    const double small = table.measure({"night city, 8 bits", 12.0, level}, nightLayer).oursMs;
+    table.measure({"white, 8 bits", 30.0, level}, MakeLayer(Filled({1.0f, 1.0f, 1.0f}), Depth::k8));
+    table.measure({"black, 8 bits", std::nullopt, level},
+                  MakeLayer(Filled({0.0f, 0.0f, 0.0f}), Depth::k8));
+    table.measure({"dense noise, 8 bits", 15.0, level},
+                  MakeLayer(scenes::DrawNoise(kWidth, kHeight), Depth::k8));
+    table.measure(
+        {"night city, float, lights to 20", 10.0, level},
+        MakeLayer(scenes::DrawNightCity(kWidth, kHeight, LightRange::kOverbright), Depth::kFloat));
+    table.measure({"transparent title, 8 bits", 10.0, level}, TitleLayer(night));
+    // The levels below show what machines without the widest instructions get.
+    if (level > simd::Level::kAvx2) {
+        table.measure({"night city, 8 bits, AVX2", 12.0, simd::Level::kAvx2}, nightLayer);
+    }
+    if (level > simd::Level::kSse2) {
+        table.measure({"night city, 8 bits, SSE2", 6.0, simd::Level::kSse2}, nightLayer);
+    }
+    const double large =
+        table
+            .measure({"night city, 8 bits, 3840x2160", std::nullopt, level},
+                     MakeLayer(scenes::DrawNightCity(2 * kWidth, 2 * kHeight, LightRange::kDisplay),
+                               Depth::k8))
+            .oursMs;
+    char text[160];
+    std::snprintf(text, sizeof text,
+                  "Four times the pixels (3840x2160) take %.2f times as long; at most %.1f: %s.",
+                  large / small, kMostGrowth, large / small <= kMostGrowth ? "met" : "NOT met");
+    remarks.emplace_back(text);
+    remarks.emplace_back(
+        "Frames are 1920x1080 unless named otherwise, at the effect's default settings: radius "
+        "100, "
+        "quality 4:1, all four channels. Peaks are host memory in use at once.");
+    return table.take();
+}
+
+}  // namespace vireon::bench
