@@ -12,7 +12,7 @@
 namespace vireon::headless {
 
 /// Version of the messages. Both sides must speak the same one.
-inline constexpr std::uint16_t kProtocolVersion = 1;
+inline constexpr std::uint16_t kProtocolVersion = 2;
 
 /// Kinds of message, the first group from the client to the worker, the second the other way.
 enum class MessageType : std::uint16_t {

@@ -121,6 +121,7 @@ concept MaybeConst = std::same_as<std::remove_const_t<Type>, Record>;
 template <typename Archive, MaybeConst<Hello> Record>
 void Walk(Archive& archive, Record& hello) {
     archive.text(hello.system);
+    archive.text(hello.simd);
 }
 
 template <typename Archive, MaybeConst<LoadRequest> Record>

@@ -19,6 +19,8 @@ namespace vireon::headless {
 /// First words of a worker.
 struct Hello {
     std::string system;  ///< "linux" or "windows"
+    /// Name of the instruction set that the glow takes in the worker's process, e.g. "avx2".
+    std::string simd;
     bool operator==(const Hello&) const = default;
 };
 

@@ -158,7 +158,7 @@ WorkerClient WorkerClient::startOnce(const WorkerOptions& options, const RenderH
         client.reportProtocolError("its first message is no greeting");
     }
     try {
-        client.system_ = DecodeHello(message.payload).system;
+        client.hello_ = DecodeHello(message.payload);
     } catch (const ProtocolError& error) {
         client.reportProtocolError(error.what());
     }
@@ -190,7 +190,7 @@ WorkerClient::~WorkerClient() {
 }
 
 void WorkerClient::load(const std::filesystem::path& library, const RenderHooks& hooks) {
-    const bool windows = system_ == "windows";
+    const bool windows = hello_.system == "windows";
     const std::string path = windows
                                  ? WindowsPath(library)
                                  : std::filesystem::absolute(library).lexically_normal().string();

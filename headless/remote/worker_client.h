@@ -93,7 +93,9 @@ class WorkerClient {
     WorkerClient& operator=(WorkerClient&&) noexcept;
 
     /// "linux" or "windows".
-    const std::string& system() const { return system_; }
+    const std::string& system() const { return hello_.system; }
+    /// Instruction set that the glow takes in the worker, e.g. "avx2".
+    const std::string& simd() const { return hello_.simd; }
     pid_t pid() const { return child_->pid(); }
 
     /// Loads an effect; `library` is a path of this system.
@@ -123,7 +125,7 @@ class WorkerClient {
 
     WorkerOptions options_;
     std::unique_ptr<ChildProcess> child_;
-    std::string system_;
+    Hello hello_;
     MessageAssembler assembler_;
     std::deque<Bytes> outgoing_;
     std::size_t outgoingSent_ = 0;

@@ -117,8 +117,9 @@ TEST(Render, LostAlphaIsSaidUnlessQuiet) {
 
 TEST(Render, TimeIsPrintedOnRequest) {
     const Workplace place;
-    const Outcome outcome = place.render({"--time"});
+    const Outcome outcome = place.render({"--time"}, {{"VIREON_GLOW_SIMD", "plain"}});
     EXPECT_EQ(outcome.code(), 0);
+    ExpectIn(outcome.output, " s (plain), whole frame");
     ExpectIn(outcome.output, "effect 0.");
     ExpectIn(outcome.output, "peak of host memory");
     EXPECT_EQ(outcome.errors, "");

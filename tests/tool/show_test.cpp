@@ -45,9 +45,11 @@ TEST(Show, RenderHelpWithoutAnEffectShowsTheRestAndSaysWhy) {
 }
 
 TEST(Show, DescribeNamesWhatTheEffectRegistered) {
-    const Outcome outcome = Vireon({"describe", "--plugin", VIREON_TEST_EFFECT});
+    const Outcome outcome =
+        Vireon({"describe", "--plugin", VIREON_TEST_EFFECT}, {{"VIREON_GLOW_SIMD", "sse2"}});
     EXPECT_EQ(outcome.code(), 0) << outcome.errors;
     ExpectIn(outcome.output, "Fake Effect. Misbehaves on demand.");
+    ExpectIn(outcome.output, "(linux, sse2)");
     ExpectIn(outcome.output, "2.3.4 (alpha, build 7)");
     ExpectIn(outcome.output, "DEEP_COLOR_AWARE");
     ExpectIn(outcome.output, "SUPPORTS_SMART_RENDER, FLOAT_COLOR_AWARE");
@@ -55,11 +57,13 @@ TEST(Show, DescribeNamesWhatTheEffectRegistered) {
 }
 
 TEST(Show, DescribeSpeaksJson) {
-    const Outcome outcome = Vireon({"describe", "--json", "--plugin", VIREON_TEST_EFFECT});
+    const Outcome outcome = Vireon({"describe", "--json", "--plugin", VIREON_TEST_EFFECT},
+                                   {{"VIREON_GLOW_SIMD", "scalar"}});
     EXPECT_EQ(outcome.code(), 0) << outcome.errors;
     const auto json = nlohmann::json::parse(outcome.output);
     EXPECT_EQ(json["name"], "Fake Effect");
     EXPECT_EQ(json["system"], "linux");
+    EXPECT_EQ(json["simd"], "scalar");
     EXPECT_EQ(json["version"]["minor"], 3);
     EXPECT_EQ(json["out_flags2"]["names"][0], "SUPPORTS_SMART_RENDER");
     ASSERT_EQ(json["parameters"].size(), 10u);

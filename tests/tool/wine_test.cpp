@@ -26,16 +26,16 @@ class UnderWine : public testing::Test {
     }
 
     Outcome render(const std::vector<std::string>& more,
-                   const std::function<void(pid_t, const std::string&)>& watch = {}) const {
+                   const std::function<void(pid_t, const std::string&)>& watch = {},
+                   Environment environment = {}) const {
         std::vector<std::string> arguments{"render", place_.input(), place_.output(), "--plugin",
                                            effect_};
         arguments.insert(arguments.end(), more.begin(), more.end());
-        return Vireon(arguments,
-                      {{"VIREON_WORKER_EXE", worker_},
-                       {"VIREON_WINE_PREFIX", std::getenv("VIREON_WINE_PREFIX") != nullptr
-                                                  ? std::getenv("VIREON_WINE_PREFIX")
-                                                  : VIREON_TEST_WINE_PREFIX}},
-                      watch);
+        environment["VIREON_WORKER_EXE"] = worker_;
+        environment["VIREON_WINE_PREFIX"] = std::getenv("VIREON_WINE_PREFIX") != nullptr
+                                                ? std::getenv("VIREON_WINE_PREFIX")
+                                                : VIREON_TEST_WINE_PREFIX;
+        return Vireon(arguments, environment, watch);
     }
 
     Workplace place_;
@@ -50,6 +50,12 @@ TEST_F(UnderWine, FramesComeBack) {
     const auto windows = Pixels8(place_.output());
     EXPECT_EQ(place_.render({"--behaviour", "invert"}).code(), 0);
     EXPECT_EQ(windows, Pixels8(place_.output()));
+}
+
+TEST_F(UnderWine, TheLevelOfTheWindowsWorkerIsNamed) {
+    const Outcome outcome = render({"--time"}, {}, {{"VIREON_GLOW_SIMD", "sse2"}});
+    EXPECT_EQ(outcome.code(), 0) << outcome.errors;
+    EXPECT_NE(outcome.output.find(" s (sse2), whole frame"), std::string::npos) << outcome.output;
 }
 
 TEST_F(UnderWine, PrintingDoesNotDisturb) {

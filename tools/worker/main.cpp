@@ -6,6 +6,7 @@
 #include "headless/error.h"
 #include "headless/remote/messages.h"
 #include "headless/remote/worker_exit.h"
+#include "simd/level.h"
 #include "tools/worker/link.h"
 #include "tools/worker/platform.h"
 #include "tools/worker/session.h"
@@ -81,7 +82,7 @@ headless::Bytes AnswerOrFailure(Session& session, Link& link, const Message& mes
 int Run() {
     PrivatePipes pipes;
     InstallCrashExit();
-    Link link(pipes, headless::EncodeHello({SystemName()}));
+    Link link(pipes, headless::EncodeHello({SystemName(), simd::LevelName(simd::ActiveLevel())}));
     Session session;
     for (;;) {
         Message message = link.next();

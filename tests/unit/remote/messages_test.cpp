@@ -88,7 +88,8 @@ RenderResult SampleResult() {
 }
 
 TEST(Messages, GiveBackWhatWasEncoded) {
-    EXPECT_EQ(DecodeHello(PayloadOf(EncodeHello({"windows"}))), Hello{"windows"});
+    const Hello hello{"windows", "avx2"};
+    EXPECT_EQ(DecodeHello(PayloadOf(EncodeHello(hello))), hello);
     EXPECT_EQ(DecodeLoad(PayloadOf(EncodeLoad({"Z:\\a b\\c.aex"}))), LoadRequest{"Z:\\a b\\c.aex"});
     const HostIdentity host{sdk::kHostFinalCutPro, 12, 11};
     EXPECT_EQ(DecodeDescribe(PayloadOf(EncodeDescribe(host))), host);
@@ -129,7 +130,8 @@ struct Codec {
 
 std::vector<Codec> Codecs() {
     return {
-        {"hello", PayloadOf(EncodeHello({"linux"})), [](const Bytes& b) { DecodeHello(b); }},
+        {"hello", PayloadOf(EncodeHello({"linux", "sse2"})),
+         [](const Bytes& b) { DecodeHello(b); }},
         {"load", PayloadOf(EncodeLoad({"/x"})), [](const Bytes& b) { DecodeLoad(b); }},
         {"describe", PayloadOf(EncodeDescribe({})), [](const Bytes& b) { DecodeDescribe(b); }},
         {"description", PayloadOf(EncodeDescription(SampleDescription())),

@@ -4,8 +4,10 @@
 #include "headless/remote/worker_client.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -60,6 +62,29 @@ RenderJob Job(Behaviour behaviour, std::int32_t bits = 8) {
     job.values[1] = {static_cast<double>(behaviour), 0};
     return job;
 }
+
+/// Forces a level in the workers that are started during a scope.
+class ScopedLevel {
+  public:
+    explicit ScopedLevel(const char* level) {
+        const char* const former = std::getenv(kVariable);
+        if (former != nullptr) former_ = former;
+        setenv(kVariable, level, 1);
+    }
+    ScopedLevel(const ScopedLevel&) = delete;
+    ScopedLevel& operator=(const ScopedLevel&) = delete;
+    ~ScopedLevel() {
+        if (former_) {
+            setenv(kVariable, former_->c_str(), 1);
+        } else {
+            unsetenv(kVariable);
+        }
+    }
+
+  private:
+    static constexpr const char* kVariable = "VIREON_GLOW_SIMD";
+    std::optional<std::string> former_;
+};
 
 /// The kind of the error that a call ends with.
 template <typename Call>
@@ -116,6 +141,17 @@ TEST(WorkerClient, DescribesTheEffect) {
     EXPECT_EQ(description.parameters[4].validMax, 100);
     EXPECT_EQ(description.parameters[6].defaultY, 50);
     EXPECT_EQ(description.parameters[1].choices().at(12), "(-");
+}
+
+TEST(WorkerClient, TellsTheLevelOfTheGlow) {
+    // Levels that every machine has, and a name that is passed over.
+    for (const char* const level : {"plain", "scalar", "sse2"}) {
+        const ScopedLevel forced(level);
+        EXPECT_EQ(LoadedWorker().simd(), level);
+    }
+    const ScopedLevel unknown("mmx");
+    const std::string highest = LoadedWorker().simd();
+    EXPECT_TRUE(highest == "sse2" || highest == "avx2" || highest == "avx512") << highest;
 }
 
 TEST(WorkerClient, PixelsComeBackBitByBitAtEveryDepth) {
@@ -320,7 +356,7 @@ TEST(WorkerClient, AnotherProtocolVersionIsNamed) {
 
 TEST(WorkerClient, AHalfMessageIsNotWaitedForWhenItsSenderIsGone) {
     std::string text;
-    const Script script("printf 'VRWK\\001\\000\\144\\000\\020'; exit 5");
+    const Script script("printf 'VRWK\\002\\000\\144\\000\\020'; exit 5");
     EXPECT_EQ(KindOfError([&] { WorkerClient::start(script.options()); }, &text), Kind::kCrashed);
     EXPECT_NE(text.find("in the middle of a message"), std::string::npos) << text;
     EXPECT_NE(text.find("exit code 5"), std::string::npos) << text;

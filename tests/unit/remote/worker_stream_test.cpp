@@ -65,7 +65,9 @@ TEST(WorkerStream, QuitEndsInPeace) {
     EXPECT_FALSE(conversation.status.bySignal);
     EXPECT_EQ(conversation.status.code, kWorkerDone);
     ASSERT_EQ(conversation.messages.size(), 1u);
-    EXPECT_EQ(DecodeHello(conversation.messages[0].payload).system, "linux");
+    const Hello hello = DecodeHello(conversation.messages[0].payload);
+    EXPECT_EQ(hello.system, "linux");
+    EXPECT_FALSE(hello.simd.empty());
 }
 
 TEST(WorkerStream, AnAbandonedWorkerEnds) {

@@ -83,11 +83,12 @@ nlohmann::ordered_json ParameterJson(const ParameterDescription& parameter) {
 }
 
 void PrintJson(const Description& description, const std::string& plugin,
-               const std::string& system) {
+               const headless::WorkerClient& worker) {
     const EffectVersion version = description.version();
     nlohmann::ordered_json json;
     json["plugin"] = plugin;
-    json["system"] = system;
+    json["system"] = worker.system();
+    json["simd"] = worker.simd();
     json["name"] = NameOf(description);
     json["about"] = description.about;
     json["version"] = {{"packed", description.packedVersion},
@@ -108,9 +109,10 @@ void PrintJson(const Description& description, const std::string& plugin,
 }
 
 void PrintText(const Description& description, const std::string& plugin,
-               const std::string& system) {
+               const headless::WorkerClient& worker) {
     std::printf("%s\n", NameOf(description).c_str());
-    std::printf("  plug-in      %s (%s)\n", plugin.c_str(), system.c_str());
+    std::printf("  plug-in      %s (%s, %s)\n", plugin.c_str(), worker.system().c_str(),
+                worker.simd().c_str());
     std::printf("  about        %s\n", description.about.c_str());
     std::printf("  version      %s, packed 0x%08X\n", VersionText(description.version()).c_str(),
                 description.packedVersion);
@@ -149,9 +151,9 @@ void DescribeCommand::run() {
     const Description description = Describe(worker);
     const std::string plugin = PluginPath(plugin_).string();
     if (json_) {
-        PrintJson(description, plugin, worker.system());
+        PrintJson(description, plugin, worker);
     } else {
-        PrintText(description, plugin, worker.system());
+        PrintText(description, plugin, worker);
     }
 }
 

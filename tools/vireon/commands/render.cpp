@@ -315,8 +315,9 @@ void RenderCommand::run() {
     }
     if (time_) {
         const double whole = std::chrono::duration<double>(Clock::now() - start).count();
-        std::printf("effect %.3f s, whole frame %.3f s, peak of host memory %.1f MB\n",
-                    result.seconds, whole, static_cast<double>(result.peakBytes) / 1e6);
+        std::printf("effect %.3f s (%s), whole frame %.3f s, peak of host memory %.1f MB\n",
+                    result.seconds, worker_->simd().c_str(), whole,
+                    static_cast<double>(result.peakBytes) / 1e6);
     }
 }
 
