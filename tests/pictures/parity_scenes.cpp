@@ -165,4 +165,33 @@ std::vector<ParityScene> ParityScenes(std::int32_t bits) {
     return list;
 }
 
+std::vector<ParityScene> LargeScenes(std::int32_t bits) {
+    constexpr int kLargeWidth = 517;
+    constexpr int kLargeHeight = 291;
+    const LightRange range = bits == 32 ? LightRange::kOverbright : LightRange::kDisplay;
+    const Canvas night = scenes::DrawNightCity(kLargeWidth, kLargeHeight, range);
+    const Canvas noise = scenes::DrawNoise(kLargeWidth, kLargeHeight);
+    Canvas white(kLargeWidth, kLargeHeight);
+    for (int y = 0; y < kLargeHeight; ++y) {
+        for (int x = 0; x < kLargeWidth; ++x) white.set(x, y, {1.0f, 1.0f, 1.0f});
+    }
+
+    std::vector<ParityScene> list;
+    const auto add = [&](SceneBuilder builder) { list.push_back(builder.done()); };
+    add(SceneBuilder("large night at 1:1", night, bits)
+            .set(kParamQuality, 1)
+            .set(kParamGlowRadius, 30));
+    add(SceneBuilder("large night, wide glow", night, bits, Ramp).set(kParamGlowRadius, 1000));
+    add(SceneBuilder("large noise, every value glows", noise, bits)
+            .set(kParamQuality, 2)
+            .set(kParamThreshold, 0)
+            .set(kParamGlowRadius, 40));
+    add(SceneBuilder("large noise at 1:1, spikes", noise, bits, Ramp)
+            .set(kParamQuality, 1)
+            .set(kParamShape, 7)
+            .set(kParamGlowRadius, 12));
+    add(SceneBuilder("white at 2:1", white, bits).set(kParamQuality, 2));
+    return list;
+}
+
 }  // namespace vireon::pictures

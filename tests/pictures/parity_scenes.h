@@ -17,4 +17,9 @@ struct ParityScene {
 /// \param bits  8, 16 or 32
 std::vector<ParityScene> ParityScenes(std::int32_t bits);
 
+/// A few scenes that are large enough for whatever the effect does otherwise with large pictures:
+/// many lights, few, and one even light.
+/// \param bits  8, 16 or 32
+std::vector<ParityScene> LargeScenes(std::int32_t bits);
+
 }  // namespace vireon::pictures
