@@ -46,3 +46,20 @@ function(vireon_add_test target)
                              PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
     endif()
 endfunction()
+
+# vireon_repeat_test(<target> <suffix> [ENV <NAME=value>...] [LABELS <labels>] [TIMEOUT <seconds>])
+# Runs all of a test program once more, as one test, with variables of its own.
+function(vireon_repeat_test target suffix)
+    cmake_parse_arguments(PARSE_ARGV 2 ARG "" "TIMEOUT" "ENV;LABELS")
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 300)
+    endif()
+    set(name ${target}.${suffix})
+    # By its file: the name of a target stands for the launcher with the target's own variables.
+    if(CMAKE_CROSSCOMPILING)
+        set(launcher ${CMAKE_CROSSCOMPILING_EMULATOR})
+    endif()
+    add_test(NAME ${name} COMMAND ${launcher} "$<TARGET_FILE:${target}>" --gtest_brief=1)
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT}
+                         ENVIRONMENT "${ARG_ENV}" LABELS "${ARG_LABELS}")
+endfunction()
