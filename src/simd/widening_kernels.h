@@ -7,7 +7,7 @@ namespace vireon::simd {
 
 /// Floats side by side, of one row or of several, that a widening pass takes through its lines
 /// together at most.
-inline constexpr std::int32_t kWideningFloats = 64;
+inline constexpr std::int32_t kWideningFloats = 128;
 
 /// One pass of the running maximum over pixels of four floats, in place; row bytes may be negative.
 struct WideningPass {

@@ -92,6 +92,7 @@ TEST_P(TentBlurKernels, RadiiAcrossTheImageAndLinesLongerThanAStrip) {
         for (const std::int32_t channels : {kColours, kAllChannels, 2}) {
             check(211, 103, radius, channels, LightData::kRandom);
             check(129, 67, radius, channels, LightData::kHdr);
+            check(1053, 27, radius, channels, LightData::kSparse);
         }
     }
 }
