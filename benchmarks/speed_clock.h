@@ -20,12 +20,15 @@ struct Pair {
     double ours;
 };
 
-/// Measures two sides in turns (plain, ours, plain, ours ...), so that a machine that is busy at
-/// times disturbs both alike. Each side is run once before anything counts.
-Pair MeasureInTurns(const std::function<void()>& plain, const std::function<void()>& ours,
-                    const Repeats& repeats);
+/// Something to be measured.
+struct Work {
+    std::function<void()> run;
+    std::function<void()> prepare = {};  ///< before each run, and not counted; may be empty
+};
 
-/// The same for one side alone.
-double MeasureAlone(const std::function<void()>& side, const Repeats& repeats);
+/// Measures two sides in turns (plain, ours, plain, ours ...), so that a machine that is busy at
+/// times disturbs both alike. Each side is run once before anything counts. A side that takes
+/// seconds is run no more than twice after that: what disturbs a moment is small beside it.
+Pair MeasureInTurns(const Work& plain, const Work& ours, const Repeats& repeats);
 
 }  // namespace vireon::bench

@@ -152,8 +152,8 @@ class FrameTable {
     const SpeedRow& measure(const Case& frame, const std::shared_ptr<World>& layer) {
         Film plain(libraries_.at(simd::Level::kPlain), layer);
         Film ours(libraries_.at(frame.level), layer);
-        const Pair pair =
-            MeasureInTurns([&] { plain.render(); }, [&] { ours.render(); }, options_.repeats);
+        const Pair pair = MeasureInTurns({.run = [&] { plain.render(); }},
+                                         {.run = [&] { ours.render(); }}, options_.repeats);
         SpeedRow row;
         row.name = frame.name;
         row.plainMs = pair.plain;
