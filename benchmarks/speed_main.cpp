@@ -8,6 +8,7 @@
 #include <string>
 
 #include "benchmarks/speed_frames.h"
+#include "benchmarks/speed_stages.h"
 #include "benchmarks/speed_table.h"
 #if !defined(_WIN32)
 #include "benchmarks/speed_yardstick.h"
@@ -95,6 +96,11 @@ void Run(const Arguments& arguments) {
     };
     report.rows = bench::MeasureFrames({arguments.plugin, arguments.work, level, repeats, onRow},
                                        report.remarks);
+    // The plain definitions are no faster than themselves.
+    if (!arguments.framesOnly && level != simd::Level::kPlain) {
+        const auto stages = bench::MeasureStages({level, repeats, onRow}, report.remarks);
+        report.rows.insert(report.rows.end(), stages.begin(), stages.end());
+    }
 #if !defined(_WIN32)
     if (!arguments.ffmpeg.empty()) {
         report.yardstick =
