@@ -82,14 +82,14 @@ double ThreadSeconds() {
 #endif
 }
 
-Pair MeasureInTurns(const Work& plain, const Work& ours, const Repeats& repeats) {
-    Side plainSide(plain, repeats);
-    Side ourSide(ours, repeats);
+Pair MeasureInTurns(const Work& first, const Work& second, const Repeats& repeats) {
+    Side firstSide(first, repeats);
+    Side secondSide(second, repeats);
     for (int round = 0; round < repeats.rounds; ++round) {
-        plainSide.sample();
-        ourSide.sample();
+        firstSide.sample();
+        secondSide.sample();
     }
-    return {plainSide.milliseconds(), ourSide.milliseconds()};
+    return {firstSide.milliseconds(), secondSide.milliseconds()};
 }
 
 }  // namespace vireon::bench

@@ -16,8 +16,8 @@ struct Repeats {
 
 /// Milliseconds of one run of each side, the least of all rounds.
 struct Pair {
-    double plain;
-    double ours;
+    double first;
+    double second;
 };
 
 /// Something to be measured.
@@ -26,9 +26,9 @@ struct Work {
     std::function<void()> prepare = {};  ///< before each run, and not counted; may be empty
 };
 
-/// Measures two sides in turns (plain, ours, plain, ours ...), so that a machine that is busy at
+/// Measures two sides in turns (first, second, first ...), so that a machine that is busy at
 /// times disturbs both alike. Each side is run once before anything counts. A side that takes
 /// seconds is run no more than twice after that: what disturbs a moment is small beside it.
-Pair MeasureInTurns(const Work& plain, const Work& ours, const Repeats& repeats);
+Pair MeasureInTurns(const Work& first, const Work& second, const Repeats& repeats);
 
 }  // namespace vireon::bench
