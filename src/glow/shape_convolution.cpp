@@ -4,8 +4,10 @@
 #include <cmath>
 #include <cstring>
 #include <new>
+#include <optional>
 
 #include "glow/shape_splat_pixels.h"
+#include "glow/stamp_convolution_pixels.h"
 #include "host/plugin_host_api.h"
 #include "host/result_codes.h"
 #include "image/tolerance.h"
@@ -82,17 +84,37 @@ class ScratchBlock {
     bool locked_ = false;
 };
 
+ConvolutionReport PlainReport(const ChannelFlags& channels) {
+    ConvolutionReport report;
+    for (std::int32_t c = 0; c < kChannels; ++c) {
+        if (channels.enabled[c]) report.channels[c].form = ConvolutionForm::kPlain;
+    }
+    return report;
+}
+
 std::int32_t SplatRows(PluginHost_API& host, const FloatImage& source,
                        const FloatImage& destination, const Splat& splat,
-                       const ChannelFlags& channels, GlowSettings& settings) {
+                       const ChannelFlags& channels, GlowSettings& settings,
+                       const ConvolutionOptions& options) {
     const SplatMember member = ChooseMember(settings);
+    std::optional<StampConvolution> stamps;
+    if (options.kernels != nullptr && member == SplatMember::kGeneral && source.height > 0) {
+        stamps.emplace(*options.kernels, source, destination, splat, channels);
+    }
     for (std::int32_t y = 0; y < source.height; ++y) {
         const std::int32_t answer = host.progress(settings.progressCount, settings.progressTotal);
         ++settings.progressCount;
         if (answer != 0) return answer;
         const ScratchBlock scratch(host, splat.maxRadius);
         if (!scratch) return kOutOfMemory;
-        SplatRow(source, y, destination, splat, member, channels);
+        if (stamps) {
+            stamps->advance(static_cast<double>(y + 1) / source.height);
+        } else {
+            SplatRow(source, y, destination, splat, member, channels);
+        }
+    }
+    if (options.report != nullptr) {
+        *options.report = stamps ? stamps->report() : PlainReport(channels);
     }
     return kSuccess;
 }
@@ -101,7 +123,8 @@ std::int32_t SplatRows(PluginHost_API& host, const FloatImage& source,
 
 std::int32_t ConvolveShape(PluginHost_API& host, PluginRaster_API& source,
                            PluginRaster_API& destination, const GlowKernel* shape,
-                           GlowSettings& settings, float qualityFactor) try {
+                           GlowSettings& settings, float qualityFactor,
+                           const ConvolutionOptions& options) try {
     if (shape == nullptr || !shape->hasTexels()) return kRenderFailed;
     const FloatImage from = ViewRaster(host, source);
     const FloatImage to = ViewRaster(host, destination);
@@ -109,7 +132,7 @@ std::int32_t ConvolveShape(PluginHost_API& host, PluginRaster_API& source,
 
     Clear(to);
     const std::int32_t result = SplatRows(host, from, to, MakeSplat(*shape, settings, downsample),
-                                          OutputChannels(settings), settings);
+                                          OutputChannels(settings), settings, options);
     if (result != kSuccess) return result;
 
     const auto resolution = static_cast<float>(downsample);

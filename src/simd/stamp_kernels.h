@@ -5,6 +5,60 @@
 
 namespace vireon::simd {
 
-struct StampKernels {};
+/// Zero texels before the first row of a stamp, between its rows and after the last one: what the
+/// kernels may read beyond a row's ends.
+inline constexpr std::int32_t kStampMargin = 24;
+
+/// Floats that the rows of a plane are a multiple of, so that whole vectors may be written up to
+/// the row's end.
+inline constexpr std::int32_t kPlaneBlock = 16;
+
+/// The same texels added at this many neighbouring columns, at most.
+inline constexpr std::int32_t kMostCopies = 8;
+
+/// Where a stamp meets a plane of one channel. The plane's rows are a multiple of `kPlaneBlock`
+/// long and what lies right of `width` is nobody's; the stamp's rows are parted by `kStampMargin`.
+struct StampSpan {
+    float* plane;                ///< column 0 of the first row that the stamp touches
+    std::ptrdiff_t planeStride;  ///< floats from row to row
+    const float* texels;         ///< first texel of the first row that is added
+    std::ptrdiff_t texelStride;  ///< floats from row to row
+    std::int32_t rows;           ///< rows to add
+    std::int32_t left;           ///< column of the first texel, may lie outside the plane
+    std::int32_t columns;        ///< texels a row
+    std::int32_t width;          ///< columns of the plane; texels beyond it are left out
+};
+
+struct StampKernels {
+    /// First pixel from `pixel` on of which a float that is chosen, times `radius`, is at least 1;
+    /// at most one vector too early. `pixels` when there is none.
+    /// \param chosen  four masks, all bits set for a channel that counts
+    std::ptrdiff_t (*nextLight)(const float* row, std::ptrdiff_t pixel, std::ptrdiff_t pixels,
+                                float radius, const std::int32_t* chosen);
+
+    /// Adds the stamp at `left`, then at the column right of it, and so on: 1, 2, 4 or 8 copies,
+    /// texel by texel in that order.
+    void (*addCopies)(const StampSpan& span, std::int32_t copies);
+
+    /// Adds A + p (B + p C), A being the span's texels and B and C planes of the same layout.
+    void (*addQuadratic)(const StampSpan& span, const float* linear, const float* square, float p);
+
+    /// out[i] = (1 - fraction) top[i] + fraction bottom[i].
+    void (*blendRows)(const float* top, const float* bottom, float fraction, float* out,
+                      std::ptrdiff_t texels);
+    /// out[i] = ((1 - f) row[left[i]] + f row[right[i]]) weight, f = fractions[i].
+    void (*sampleRow)(const float* row, const std::int32_t* left, const std::int32_t* right,
+                      const float* fractions, float weight, float* out, std::ptrdiff_t texels);
+    /// The same of the row that `blendRows` would make.
+    void (*sampleRows)(const float* top, const float* bottom, float fraction,
+                       const std::int32_t* left, const std::int32_t* right, const float* fractions,
+                       float weight, float* out, std::ptrdiff_t texels);
+
+    /// sums[i] += factor x texels[i] in double precision.
+    void (*addToSums)(const float* texels, double factor, double* sums, std::ptrdiff_t columns);
+
+    /// Writes pixels from four planes; a null plane is 0.
+    void (*writePixels)(const float* const* planes, float* pixels, std::ptrdiff_t count);
+};
 
 }  // namespace vireon::simd

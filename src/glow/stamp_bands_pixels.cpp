@@ -1,0 +1,313 @@
+#include "glow/stamp_bands_pixels.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "simd/kernel_table.h"
+
+namespace vireon {
+namespace {
+
+using simd::kMostCopies;
+using simd::kStampMargin;
+
+// The stamps of all sizes of a census, each evaluated when it is first asked for.
+class StampCache {
+  public:
+    explicit StampCache(const StampSource& source)
+        : sizes_(source.census.sizes()),
+          texels_(source.kernels, source.splat),
+          memory_(source.census.stampFloats()),
+          boxes_(sizes_.size()),
+          made_(sizes_.size(), 0) {}
+
+    const StampBox& stamp(std::int32_t size) {
+        const auto place = static_cast<std::size_t>(size);
+        if (made_[place] == 0) make(place);
+        return boxes_[place];
+    }
+
+    /// Rounds the texels of stamps that are made from now on to multiples of a power of two.
+    void setStep(double step) { step_ = step; }
+
+  private:
+    void make(std::size_t place) {
+        float* memory = memory_.data() + used_;
+        used_ += StampFloats(sizes_[place]);
+        boxes_[place] = MakeStamp(texels_, sizes_[place], memory);
+        made_[place] = 1;
+        if (step_ == 0.0) return;
+        for (float* texel = memory; texel != memory_.data() + used_; ++texel) {
+            *texel =
+                static_cast<float>(std::nearbyint(static_cast<double>(*texel) / step_) * step_);
+        }
+    }
+
+    const std::vector<StampSize>& sizes_;
+    StampTexels texels_;
+    std::vector<float> memory_;
+    std::size_t used_ = 0;
+    std::vector<StampBox> boxes_;
+    std::vector<std::uint8_t> made_;
+    double step_ = 0.0;
+};
+
+// Source rows whose stamps may reach into a band.
+struct RowRange {
+    std::int32_t first;
+    std::int32_t last;  // may lie before the first
+};
+
+RowRange RowsThatReach(const GlowBand& band, const StampSource& source) {
+    const std::int64_t reach = source.census.largestReach();
+    const std::int64_t first = std::max<std::int64_t>(band.firstRow - reach, 0);
+    const std::int64_t last =
+        std::min<std::int64_t>(band.firstRow + band.rows - 1 + reach, source.image.height - 1);
+    return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)};
+}
+
+// The largest number of copies that the kernels add at once.
+std::int32_t CopiesOf(std::int32_t run) {
+    return run >= kMostCopies ? kMostCopies : run >= 4 ? 4 : run >= 2 ? 2 : 1;
+}
+
+class CacheForm final : public BandForm {
+  public:
+    explicit CacheForm(const StampSource& source) : source_(source), cache_(source) {}
+
+    std::int32_t steps(const GlowBand& band) const override {
+        const RowRange rows = RowsThatReach(band, source_);
+        return std::max(rows.last - rows.first + 1, 0);
+    }
+
+    void step(GlowBand& band, std::int32_t index) override {
+        const std::int32_t y = RowsThatReach(band, source_).first + index;
+        const StampLight* light = nullptr;
+        const StampLight* end = nullptr;
+        if (source_.census.hasLights()) {
+            light = source_.census.lightsBegin(y);
+            end = source_.census.lightsEnd(y);
+        } else {
+            readRow(y);
+            light = row_.data();
+            end = light + row_.size();
+        }
+        while (light != end) {
+            const StampLight* next = light + 1;
+            while (next != end && next->size == light->size && next->x == next[-1].x + 1) ++next;
+            addRun(band, y, light->x, static_cast<std::int32_t>(next - light),
+                   cache_.stamp(light->size));
+            light = next;
+        }
+    }
+
+  private:
+    void readRow(std::int32_t y) {
+        row_.clear();
+        float lastValue = 0.0f;
+        std::int32_t size = -1;
+        for (std::int32_t x = 0; x < source_.image.width; ++x) {
+            const float value = source_.image.pixel(x, y)[source_.channel];
+            if (value != lastValue) {
+                lastValue = value;
+                size = source_.census.sizeOf(value);
+            }
+            if (size >= 0) row_.push_back({x, size});
+        }
+    }
+
+    void addRun(GlowBand& band, std::int32_t y, std::int32_t x, std::int32_t run,
+                const StampBox& box) const {
+        const std::int32_t top = std::max(y + box.firstRow, band.firstRow);
+        const std::int32_t bottom =
+            std::min(y + box.firstRow + box.rows, band.firstRow + band.rows);
+        if (top >= bottom) return;
+        band.touched = true;
+        simd::StampSpan span{};
+        span.plane = band.row(top);
+        span.planeStride = band.stride;
+        span.texels = box.texels + (top - y - box.firstRow) * box.stride;
+        span.texelStride = box.stride;
+        span.rows = bottom - top;
+        span.columns = box.columns;
+        span.width = band.width;
+        while (run > 0) {
+            const std::int32_t copies = CopiesOf(run);
+            span.left = x + box.firstColumn;
+            source_.kernels.stamps.addCopies(span, copies);
+            x += copies;
+            run -= copies;
+        }
+    }
+
+    StampSource source_;
+    StampCache cache_;
+    std::vector<StampLight> row_;
+};
+
+class DirectForm final : public BandForm {
+  public:
+    explicit DirectForm(const StampSource& source)
+        : source_(source), texels_(source.kernels, source.splat) {}
+
+    std::int32_t steps(const GlowBand& band) const override {
+        const RowRange rows = RowsThatReach(band, source_);
+        return std::max(rows.last - rows.first + 1, 0);
+    }
+
+    void step(GlowBand& band, std::int32_t index) override {
+        const FloatImage& image = source_.image;
+        const std::int32_t y = RowsThatReach(band, source_).first + index;
+        for (std::int32_t x = 0; x < image.width;) {
+            const StampSize size = sizeAt(x, y);
+            if (size.reach == 0) {
+                ++x;
+                continue;
+            }
+            std::int32_t end = x + 1;
+            while (end < image.width && same(sizeAt(end, y), size)) ++end;
+            addRun(band, y, x, end - x, size);
+            x = end;
+        }
+    }
+
+  private:
+    StampSize sizeAt(std::int32_t x, std::int32_t y) const {
+        return StampSizeOf(source_.image.pixel(x, y)[source_.channel], source_.splat);
+    }
+    static bool same(StampSize a, StampSize b) { return a.reach == b.reach && a.scale == b.scale; }
+
+    void addRun(GlowBand& band, std::int32_t y, std::int32_t x, std::int32_t run, StampSize size) {
+        const std::int32_t top = std::max(y - size.reach, band.firstRow);
+        const std::int32_t bottom = std::min(y + size.reach + 1, band.firstRow + band.rows);
+        if (top >= bottom) return;
+        // Only the columns that any stamp of the run has within the image.
+        const std::int32_t first = std::max(-size.reach, 0 - (x + run - 1));
+        const std::int32_t last = std::min(size.reach, band.width - 1 - x);
+        const std::int32_t columns = last - first + 1;
+        texels_.select(size, first, last);
+        row_.assign(static_cast<std::size_t>(columns + 2 * kStampMargin), 0.0f);
+        simd::StampSpan span{};
+        span.texels = row_.data() + kStampMargin;
+        span.rows = 1;
+        span.columns = columns;
+        span.width = band.width;
+        for (std::int32_t row = top; row < bottom; ++row) {
+            if (!texels_.row(row - y, row_.data() + kStampMargin)) continue;
+            band.touched = true;
+            span.plane = band.row(row);
+            for (std::int32_t done = 0; done < run;) {
+                const std::int32_t copies = CopiesOf(run - done);
+                span.left = x + done + first;
+                if (span.left < span.width && span.left + columns + copies > 0) {
+                    source_.kernels.stamps.addCopies(span, copies);
+                }
+                done += copies;
+            }
+        }
+    }
+
+    StampSource source_;
+    StampTexels texels_;
+    std::vector<float> row_;
+};
+
+// No texel is larger; the rounding of its interpolation included.
+double LargestTexel(const Splat& splat) {
+    double largest = 0.0;
+    for (const float texel : splat.kernel->values) {
+        largest = std::max(largest, std::fabs(static_cast<double>(texel)));
+    }
+    return largest * std::fabs(static_cast<double>(splat.weight)) * 1.00001;
+}
+
+class RunsForm final : public BandForm {
+  public:
+    explicit RunsForm(const StampSource& source)
+        : source_(source),
+          cache_(source),
+          margin_(source.census.largestReach()),
+          sums_(static_cast<std::size_t>(margin_) + static_cast<std::size_t>(source.image.width)) {
+        const double side = 2.0 * margin_ + 1.0;
+        const double pixels = static_cast<double>(source.image.width) * source.image.height;
+        // Four differences of a pixel's sum at most are under way at a time.
+        const double bound = 4.0 * std::min(side * side, pixels) * LargestTexel(source.splat);
+        cache_.setStep(std::ldexp(1.0, std::ilogb(bound) + 1 - 52));
+    }
+
+    // The rows above the image come before those of the first band.
+    std::int32_t steps(const GlowBand& band) const override {
+        return band.rows + (band.firstRow == 0 ? margin_ : 0);
+    }
+
+    void step(GlowBand& band, std::int32_t index) override {
+        const std::int32_t y = band.firstRow + index - (band.firstRow == 0 ? margin_ : 0);
+        addCorners(y);
+        if (y < 0 || !started_) return;
+        band.touched = true;
+        double sum = 0.0;
+        for (std::int32_t i = 0; i < margin_; ++i) sum += sums_[static_cast<std::size_t>(i)];
+        const double* column = sums_.data() + margin_;
+        float* out = band.row(y);
+        for (std::int32_t x = 0; x < band.width; ++x) {
+            sum += column[x];
+            out[x] = static_cast<float>(sum);
+        }
+    }
+
+  private:
+    // Turns the sums of the row above into those of row y, both differences along the row.
+    void addCorners(std::int32_t y) {
+        const StampCensus& census = source_.census;
+        const std::int32_t first = std::max(y - margin_, 0);
+        const std::int32_t last = std::min(y + margin_, source_.image.height);
+        for (std::int32_t from = first; from <= last; ++from) {
+            const StampCorner* end = census.cornersEnd(from);
+            for (const StampCorner* corner = census.cornersBegin(from); corner != end; ++corner) {
+                const StampBox& box = cache_.stamp(corner->size);
+                const std::int32_t row = y - from - box.firstRow;
+                if (row < 0 || row >= box.rows) continue;
+                const std::int32_t left = corner->x + box.firstColumn;
+                const std::int32_t columns = std::min(box.columns, source_.image.width - left);
+                if (columns <= 0) continue;
+                started_ = true;
+                source_.kernels.stamps.addToSums(box.texels + row * box.stride,
+                                                 static_cast<double>(corner->sign),
+                                                 sums_.data() + margin_ + left, columns);
+            }
+        }
+    }
+
+    StampSource source_;
+    StampCache cache_;
+    std::int32_t margin_;
+    std::vector<double> sums_;
+    bool started_ = false;
+};
+
+}  // namespace
+
+std::ptrdiff_t PlaneStride(std::int32_t width) {
+    const std::ptrdiff_t blocks =
+        (static_cast<std::ptrdiff_t>(width) + simd::kPlaneBlock - 1) / simd::kPlaneBlock;
+    return (blocks | 1) * simd::kPlaneBlock;
+}
+
+std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source) {
+    return std::make_unique<CacheForm>(source);
+}
+
+std::unique_ptr<BandForm> MakeDirectForm(const StampSource& source) {
+    return std::make_unique<DirectForm>(source);
+}
+
+std::unique_ptr<BandForm> MakeRunsForm(const StampSource& source) {
+    return std::make_unique<RunsForm>(source);
+}
+
+bool RunsAreExact(const Splat& splat) {
+    const double largest = LargestTexel(splat);
+    return largest > 1e-20 && largest < 1e20;
+}
+
+}  // namespace vireon

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "glow/stamp_census_pixels.h"
+#include "glow/stamp_texels_pixels.h"
+
+namespace vireon {
+
+/// Some rows of one channel of the glow while stamps are added to them.
+struct GlowBand {
+    float* values = nullptr;
+    std::ptrdiff_t stride = 0;  ///< floats from row to row, a multiple of `simd::kPlaneBlock`
+    std::int32_t width = 0;
+    std::int32_t firstRow = 0;  ///< of the image
+    std::int32_t rows = 0;
+    bool touched = false;  ///< whether anything was added
+
+    float* row(std::int32_t y) const { return values + (y - firstRow) * stride; }
+};
+
+/// Floats from row to row of a plane of a width; no multiple of a page, so that the rows of a stamp
+/// do not push each other out of the cache.
+std::ptrdiff_t PlaneStride(std::int32_t width);
+
+/// What the forms work on. All of it outlives them.
+struct StampSource {
+    const simd::KernelTable& kernels;
+    const FloatImage& image;
+    std::int32_t channel;
+    const Splat& splat;
+    const StampCensus& census;
+};
+
+/// A form that fills the glow band by band from the top, each band in steps.
+class BandForm {
+  public:
+    virtual ~BandForm() = default;
+    virtual std::int32_t steps(const GlowBand& band) const = 0;
+    /// Steps 0 to steps - 1 of a band that starts as zeros, in order.
+    /// \throws std::bad_alloc
+    virtual void step(GlowBand& band, std::int32_t index) = 0;
+};
+
+/// Every size's stamp is evaluated once and added pixel by pixel in the source's order, which gives
+/// the bits of `SplatRow`. Needs the census's sizes.
+std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source);
+
+/// Every run of equal stamps is evaluated row by row and added in the source's order, which gives
+/// the bits of `SplatRow`.
+std::unique_ptr<BandForm> MakeDirectForm(const StampSource& source);
+
+/// Adds the stamps of the corners of areas of equal size and integrates them along both axes.
+/// Texels are rounded to a fixed step that makes all sums exact in double precision, in any order;
+/// each value is rounded to float once. Needs the census's corners and `RunsAreExact`.
+std::unique_ptr<BandForm> MakeRunsForm(const StampSource& source);
+
+/// Whether the texels are of a size that sums can be kept exact with.
+bool RunsAreExact(const Splat& splat);
+
+}  // namespace vireon

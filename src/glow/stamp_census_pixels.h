@@ -1,0 +1,131 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "glow/stamp_geometry_pixels.h"
+#include "image/float_image.h"
+
+namespace vireon {
+
+namespace simd {
+struct KernelTable;
+}
+
+/// Pixels that are looked at together, to pass over dark ones.
+inline constexpr std::int32_t kLightBlock = 16;
+
+/// Blocks of a row of a width, the pixel right of it included.
+std::size_t LightBlocks(std::int32_t width);
+
+/// Flags the blocks of a source row that may hold pixels with a stamp in any of the channels.
+/// \param blocks  `LightBlocks` flags
+void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std::int32_t y,
+                const Splat& splat, const ChannelFlags& channels,
+                std::vector<std::uint8_t>& blocks);
+
+/// A pixel that makes a stamp.
+struct StampLight {
+    std::int32_t x;
+    std::int32_t size;  ///< place of its size in the census
+};
+
+/// Where the areas of one size have a corner: the sum of these, over all corners above and to the
+/// left of a pixel, itself included, is 1 within the areas of that size and 0 elsewhere.
+struct StampCorner {
+    std::int32_t x;     ///< 0 to the image's width, included
+    std::int32_t size;  ///< place of its size in the census
+    float sign;         ///< 1 or -1
+};
+
+/// What one channel of a source holds.
+class StampCensus {
+  public:
+    /// \param width, height  of the source
+    StampCensus(const Splat& splat, std::int32_t width, std::int32_t height);
+
+    /// Takes in the next row, from the top.
+    /// \param pixels  the row's first float of the channel
+    /// \param blocks  of the row, see `FindLights`
+    /// \throws std::bad_alloc
+    void addRow(const float* pixels, const std::vector<std::uint8_t>& blocks);
+
+    double stamps() const { return stamps_; }
+    double texels() const { return texels_; }
+    /// Texels of the stamps at the starts of runs of equal size.
+    double runTexels() const { return runTexels_; }
+    float largestScale() const { return largestScale_; }
+    std::int32_t largestReach() const { return largestReach_; }
+
+    /// Whether the stamps of all sizes fit the cache. Without, there are no sizes, lights or
+    /// corners.
+    bool hasSizes() const { return hasSizes_; }
+    const std::vector<StampSize>& sizes() const { return sizes_; }
+    /// Floats that the stamps of all sizes take.
+    std::size_t stampFloats() const { return stampFloats_; }
+    double stampTexels() const { return stampTexels_; }
+    /// Place of a value's size, -1 when it makes no stamp. The value was in the source.
+    std::int32_t sizeOf(float value) const;
+
+    /// Whether there are few enough corners to keep them; they are complete after the last row.
+    bool hasCorners() const { return hasSizes_ && hasCorners_; }
+    double corners() const { return static_cast<double>(corners_.size()); }
+    double cornerTexels() const { return cornerTexels_; }
+    /// Corners of a row, 0 to height, included.
+    const StampCorner* cornersBegin(std::int32_t y) const;
+    const StampCorner* cornersEnd(std::int32_t y) const;
+
+    /// Whether there are few enough lights to keep them.
+    bool hasLights() const { return hasSizes_ && hasLights_; }
+    const StampLight* lightsBegin(std::int32_t y) const;
+    const StampLight* lightsEnd(std::int32_t y) const;
+
+    /// Give back what a form does not need.
+    void dropCorners();
+    void dropLights();
+    void dropSizes();
+
+  private:
+    struct Slot {
+        std::uint32_t scaleBits;
+        std::int32_t place;
+    };
+
+    std::size_t slotOf(float scale) const;
+    std::int32_t placeOf(StampSize size);
+    void addCorners();
+    void addCornersOfBlock(std::int32_t begin);
+
+    const Splat& splat_;
+    std::int32_t width_;
+    std::int32_t height_;
+    std::size_t mostKept_;
+    double stamps_ = 0.0;
+    double texels_ = 0.0;
+    double runTexels_ = 0.0;
+    double cornerTexels_ = 0.0;
+    double stampTexels_ = 0.0;
+    float largestScale_ = 0.0f;
+    std::int32_t largestReach_ = 0;
+    std::size_t stampFloats_ = 0;
+    bool hasSizes_ = true;
+    bool hasCorners_ = true;
+    bool hasLights_ = true;
+    std::int32_t rows_ = 0;
+    std::vector<Slot> slots_;
+    std::vector<StampSize> sizes_;
+    std::vector<std::int32_t> above_;  ///< places of the row before, -1 for no stamp
+    std::vector<std::int32_t> row_;
+    std::vector<std::uint8_t> blocksAbove_;
+    std::vector<std::uint8_t> blocks_;
+    std::vector<StampCorner> corners_;
+    std::vector<std::size_t> cornerRows_{0};
+    std::vector<StampLight> lights_;
+    std::vector<std::size_t> lightRows_{0};
+};
+
+/// Memory that the stamps of one channel may take together.
+inline constexpr std::size_t kMostStampBytes = std::size_t{8} << 20;
+
+}  // namespace vireon

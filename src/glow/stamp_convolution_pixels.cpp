@@ -1,0 +1,250 @@
+#include "glow/stamp_convolution_pixels.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "simd/kernel_table.h"
+
+namespace vireon {
+namespace {
+
+// Rows of a band: all channels of it stay in a processor's own cache.
+constexpr std::int32_t kBandRows = 32;
+
+// Looking at the source is done by this share of the whole.
+constexpr double kCensusShare = 1.0 / 16.0;
+
+// Costs in units of one texel that is added from a stamp in the cache.
+constexpr double kEvaluateCost = 10.0;
+constexpr double kCornerTexelCost = 4.0;
+constexpr double kIntegrateCost = 15.0;
+constexpr double kQuadraticCost = 2.5;
+constexpr double kCoefficientsCost = 60.0;
+constexpr double kWriteCost = 10.0;
+
+// Below this many texels a pixel the sums of ranges have no fewer roundings than plain ones.
+constexpr double kFewestTexelsOfRanges = 8.0;
+
+}  // namespace
+
+StampConvolution::StampConvolution(const simd::KernelTable& kernels, const FloatImage& source,
+                                   const FloatImage& destination, const Splat& splat,
+                                   const ChannelFlags& channels,
+                                   std::optional<ConvolutionForm> forced)
+    : kernels_(kernels),
+      source_(source),
+      destination_(destination),
+      splat_(splat),
+      channels_(channels),
+      forced_(forced),
+      blocks_(LightBlocks(source.width)) {
+    for (std::int32_t c = 0; c < kChannels; ++c) {
+        if (channels_.enabled[c]) {
+            work_[c].census = std::make_unique<StampCensus>(splat, source.width, source.height);
+        }
+    }
+}
+
+StampSource StampConvolution::sourceOf(std::int32_t channel) const {
+    return {kernels_, source_, channel, splat_, *work_[channel].census};
+}
+
+void StampConvolution::advance(double share) {
+    const auto height = static_cast<double>(source_.height);
+    const double looked = std::min(share / kCensusShare, 1.0);
+    takeCensus(static_cast<std::int32_t>(std::ceil(looked * height)));
+    if (censusRow_ < source_.height || share <= kCensusShare) return;
+    const double target = totalCost_ * (share - kCensusShare) / (1.0 - kCensusShare);
+    const bool all = share >= 1.0;
+    while (!bandsDone_ && (all || doneCost_ < target)) workOnBands();
+    while (bandsDone_ && !rangesDone_ && (all || doneCost_ < target)) workOnRanges();
+}
+
+void StampConvolution::takeCensus(std::int32_t endRow) {
+    if (censusRow_ >= source_.height) return;
+    for (; censusRow_ < endRow; ++censusRow_) {
+        FindLights(kernels_, source_, censusRow_, splat_, channels_, blocks_);
+        for (std::int32_t c = 0; c < kChannels; ++c) {
+            if (work_[c].census) work_[c].census->addRow(source_.row(censusRow_) + c, blocks_);
+        }
+    }
+    if (censusRow_ == source_.height) {
+        chooseForms();
+        startForms();
+    }
+}
+
+void StampConvolution::chooseForms() {
+    for (std::int32_t c = 0; c < kChannels; ++c) {
+        if (!work_[c].census) continue;
+        const StampCensus& census = *work_[c].census;
+        ConvolutionReport::Channel& channel = report_.channels[c];
+        channel.stamps = census.stamps();
+        channel.texels = census.texels();
+        channel.form = choose(census);
+        if (channel.form == ConvolutionForm::kNone) work_[c].census.reset();
+    }
+}
+
+ConvolutionForm StampConvolution::choose(const StampCensus& census) const {
+    if (census.stamps() == 0.0) return ConvolutionForm::kNone;
+    if (forced_ && std::isfinite(costOf(census, *forced_))) return *forced_;
+    ConvolutionForm best = ConvolutionForm::kDirect;
+    for (const ConvolutionForm form :
+         {ConvolutionForm::kCache, ConvolutionForm::kRuns, ConvolutionForm::kRanges}) {
+        const double pixels = static_cast<double>(source_.width) * source_.height;
+        if (form == ConvolutionForm::kRanges && census.texels() < kFewestTexelsOfRanges * pixels) {
+            continue;
+        }
+        if (costOf(census, form) < costOf(census, best)) best = form;
+    }
+    return best;
+}
+
+// Infinite where a form cannot be had.
+double StampConvolution::costOf(const StampCensus& census, ConvolutionForm form) const {
+    constexpr double kNever = std::numeric_limits<double>::infinity();
+    const double pixels = static_cast<double>(source_.width) * source_.height;
+    switch (form) {
+        case ConvolutionForm::kCache:
+            if (!census.hasSizes()) return kNever;
+            return census.texels() + kEvaluateCost * census.stampTexels();
+        case ConvolutionForm::kDirect: return census.texels() + kEvaluateCost * census.runTexels();
+        case ConvolutionForm::kRuns:
+            if (!census.hasCorners() || !RunsAreExact(splat_)) return kNever;
+            return kCornerTexelCost * census.cornerTexels() + kEvaluateCost * census.stampTexels() +
+                   kIntegrateCost * pixels;
+        case ConvolutionForm::kRanges: {
+            if (!RunsAreExact(splat_)) return kNever;
+            const double parts =
+                std::ceil(census.stamps() / static_cast<double>(RangesForm::kMostRecords));
+            const double ranges =
+                std::min(parts * RangesForm::RangesUpTo(census.largestScale(), *splat_.kernel),
+                         census.stamps());
+            return kQuadraticCost * census.texels() +
+                   kCoefficientsCost * census.texels() / census.stamps() * ranges;
+        }
+        default: return kNever;
+    }
+}
+
+void StampConvolution::startForms() {
+    const double pixels = static_cast<double>(source_.width) * source_.height;
+    bool bands = false;
+    for (std::int32_t c = 0; c < kChannels; ++c) {
+        ChannelWork& work = work_[c];
+        const ConvolutionForm form = report_.channels[c].form;
+        if (form == ConvolutionForm::kNone) continue;
+        const double cost = costOf(*work.census, form);
+        totalCost_ += cost;
+        if (form != ConvolutionForm::kCache) work.census->dropLights();
+        if (form != ConvolutionForm::kRuns) work.census->dropCorners();
+        switch (form) {
+            case ConvolutionForm::kCache: work.form = MakeCacheForm(sourceOf(c)); break;
+            case ConvolutionForm::kDirect: work.form = MakeDirectForm(sourceOf(c)); break;
+            case ConvolutionForm::kRuns: work.form = MakeRunsForm(sourceOf(c)); break;
+            default:
+                work.census->dropSizes();
+                work.stepCost = cost / work.census->texels();
+                continue;
+        }
+        bands = true;
+        const std::ptrdiff_t stride = PlaneStride(source_.width);
+        work.plane.resize(static_cast<std::size_t>(stride * kBandRows));
+        work.band.values = work.plane.data();
+        work.band.stride = stride;
+        work.band.width = source_.width;
+        double steps = 0.0;
+        for (std::int32_t y = 0; y < source_.height; y += kBandRows) {
+            work.band.firstRow = y;
+            work.band.rows = std::min(kBandRows, source_.height - y);
+            steps += work.form->steps(work.band);
+        }
+        work.stepCost = cost / steps;
+    }
+    if (bands) {
+        writeCost_ = kWriteCost * pixels * kBandRows / source_.height;
+        totalCost_ += kWriteCost * pixels;
+        startBand(0);
+    } else {
+        bandsDone_ = true;
+    }
+}
+
+void StampConvolution::startBand(std::int32_t firstRow) {
+    bandRow_ = firstRow;
+    channel_ = 0;
+    step_ = 0;
+    for (ChannelWork& work : work_) {
+        if (!work.form) continue;
+        work.band.firstRow = firstRow;
+        work.band.rows = std::min(kBandRows, source_.height - firstRow);
+        if (work.band.touched) std::fill(work.plane.begin(), work.plane.end(), 0.0f);
+        work.band.touched = false;
+    }
+}
+
+void StampConvolution::workOnBands() {
+    if (channel_ == kChannels) {
+        writeBand();
+        doneCost_ += writeCost_;
+        if (bandRow_ + kBandRows < source_.height) {
+            startBand(bandRow_ + kBandRows);
+            return;
+        }
+        bandsDone_ = true;
+        channel_ = 0;
+        for (ChannelWork& work : work_) {
+            if (!work.form) continue;
+            work.form.reset();
+            work.plane = {};
+        }
+        return;
+    }
+    ChannelWork& work = work_[channel_];
+    if (!work.form || step_ == work.form->steps(work.band)) {
+        ++channel_;
+        step_ = 0;
+        return;
+    }
+    work.form->step(work.band, step_++);
+    doneCost_ += work.stepCost;
+}
+
+// Channels of other forms are still 0.
+void StampConvolution::writeBand() {
+    bool touched = false;
+    for (const ChannelWork& work : work_) touched = touched || (work.form && work.band.touched);
+    if (!touched) return;
+    const std::int32_t rows = std::min(kBandRows, source_.height - bandRow_);
+    for (std::int32_t y = bandRow_; y < bandRow_ + rows; ++y) {
+        const float* planes[kChannels];
+        for (std::int32_t c = 0; c < kChannels; ++c) {
+            const bool has = work_[c].form && work_[c].band.touched;
+            planes[c] = has ? work_[c].band.row(y) : nullptr;
+        }
+        kernels_.stamps.writePixels(planes, destination_.row(y), destination_.width);
+    }
+}
+
+void StampConvolution::workOnRanges() {
+    if (!ranges_) {
+        while (channel_ < kChannels &&
+               report_.channels[channel_].form != ConvolutionForm::kRanges) {
+            ++channel_;
+        }
+        if (channel_ == kChannels) {
+            rangesDone_ = true;
+            return;
+        }
+        ranges_ = std::make_unique<RangesForm>(sourceOf(channel_), destination_);
+    }
+    doneCost_ += ranges_->step() * work_[channel_].stepCost;
+    if (!ranges_->finished()) return;
+    ranges_.reset();
+    work_[channel_].census.reset();
+    ++channel_;
+}
+
+}  // namespace vireon

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "glow/convolution_report_pixels.h"
+#include "glow/stamp_bands_pixels.h"
+#include "glow/stamp_census_pixels.h"
+#include "glow/stamp_ranges_pixels.h"
+
+namespace vireon {
+
+/// The general splat of a whole image in parts. It looks at the source first and chooses for each
+/// channel how its stamps are added; the choice depends on pixels and settings alone.
+///
+/// Besides tables of constant size, and `kMostStampBytes` of stamps, it takes at most one float a
+/// pixel.
+class StampConvolution {
+  public:
+    /// Source and destination are float images of the same size that do not overlap; the
+    /// destination is 0. Refers to the kernels and to the splat.
+    /// \param forced  the form of every channel that has stamps, where it can be had
+    StampConvolution(const simd::KernelTable& kernels, const FloatImage& source,
+                     const FloatImage& destination, const Splat& splat,
+                     const ChannelFlags& channels,
+                     std::optional<ConvolutionForm> forced = std::nullopt);
+
+    /// Does the work up to a share of the whole, from 0 to 1, at which the destination is complete.
+    /// \throws std::bad_alloc
+    void advance(double share);
+
+    /// Complete once the source has been looked at.
+    const ConvolutionReport& report() const { return report_; }
+
+  private:
+    struct ChannelWork {
+        std::unique_ptr<StampCensus> census;
+        std::unique_ptr<BandForm> form;
+        std::vector<float> plane;
+        GlowBand band;
+        double stepCost = 0.0;  ///< of a step, or of a texel of ranges
+    };
+
+    StampSource sourceOf(std::int32_t channel) const;
+    void takeCensus(std::int32_t endRow);
+    void chooseForms();
+    ConvolutionForm choose(const StampCensus& census) const;
+    double costOf(const StampCensus& census, ConvolutionForm form) const;
+    void startForms();
+    void workOnBands();
+    void workOnRanges();
+    void startBand(std::int32_t firstRow);
+    void writeBand();
+
+    const simd::KernelTable& kernels_;
+    FloatImage source_;
+    FloatImage destination_;
+    const Splat& splat_;
+    ChannelFlags channels_;
+    std::optional<ConvolutionForm> forced_;
+    ConvolutionReport report_;
+    ChannelWork work_[kChannels];
+    std::vector<std::uint8_t> blocks_;
+    std::int32_t censusRow_ = 0;
+    double totalCost_ = 0.0;
+    double doneCost_ = 0.0;
+    bool bandsDone_ = false;
+    bool rangesDone_ = false;
+    std::int32_t bandRow_ = 0;
+    std::int32_t channel_ = 0;
+    std::int32_t step_ = 0;
+    double writeCost_ = 0.0;
+    std::unique_ptr<RangesForm> ranges_;
+};
+
+}  // namespace vireon
