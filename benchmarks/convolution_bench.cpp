@@ -121,8 +121,8 @@ void Measure(benchmark::State& state, const Case& which, simd::Level level) {
     const simd::KernelTable* kernels = simd::KernelsOf(level);
     ConvolutionReport report;
     for (auto _ : state) {
-        std::fill(glow.values.begin(), glow.values.end(), 0.0f);
         if (kernels == nullptr) {
+            std::fill(glow.values.begin(), glow.values.end(), 0.0f);
             for (std::int32_t y = 0; y < source.height; ++y) {
                 SplatRow(source.view(), y, glow.view(), splat, SplatMember::kGeneral, kColours);
             }
@@ -136,7 +136,7 @@ void Measure(benchmark::State& state, const Case& which, simd::Level level) {
         benchmark::ClobberMemory();
     }
     double texels = 0.0;
-    for (const float value : source.values) {
+    for (const float& value : source.values) {
         const auto i = static_cast<std::size_t>(&value - source.values.data()) % kChannels;
         if (kColours.enabled[i]) {
             const StampSize size = StampSizeOf(value, splat);

@@ -101,6 +101,7 @@ std::int32_t SplatRows(PluginHost_API& host, const FloatImage& source,
     if (options.kernels != nullptr && member == SplatMember::kGeneral && source.height > 0) {
         stamps.emplace(*options.kernels, source, destination, splat, channels);
     }
+    if (!stamps) Clear(destination);
     for (std::int32_t y = 0; y < source.height; ++y) {
         const std::int32_t answer = host.progress(settings.progressCount, settings.progressTotal);
         ++settings.progressCount;
@@ -130,7 +131,6 @@ std::int32_t ConvolveShape(PluginHost_API& host, PluginRaster_API& source,
     const FloatImage to = ViewRaster(host, destination);
     const double downsample = std::min(host.downsampleX(), host.downsampleY());
 
-    Clear(to);
     const std::int32_t result = SplatRows(host, from, to, MakeSplat(*shape, settings, downsample),
                                           OutputChannels(settings), settings, options);
     if (result != kSuccess) return result;

@@ -17,7 +17,7 @@ class StampCache {
     explicit StampCache(const StampSource& source)
         : sizes_(source.census.sizes()),
           texels_(source.kernels, source.splat),
-          memory_(source.census.stampFloats()),
+          memory_(std::make_unique_for_overwrite<float[]>(source.census.stampFloats())),
           boxes_(sizes_.size()),
           made_(sizes_.size(), 0) {}
 
@@ -32,12 +32,14 @@ class StampCache {
 
   private:
     void make(std::size_t place) {
-        float* memory = memory_.data() + used_;
-        used_ += StampFloats(sizes_[place]);
+        float* const memory = memory_.get() + used_;
+        const std::size_t floats = StampFloats(sizes_[place]);
+        used_ += floats;
+        std::fill_n(memory, floats, 0.0f);
         boxes_[place] = MakeStamp(texels_, sizes_[place], memory);
         made_[place] = 1;
         if (step_ == 0.0) return;
-        for (float* texel = memory; texel != memory_.data() + used_; ++texel) {
+        for (float* texel = memory; texel != memory + floats; ++texel) {
             *texel =
                 static_cast<float>(std::nearbyint(static_cast<double>(*texel) / step_) * step_);
         }
@@ -45,7 +47,7 @@ class StampCache {
 
     const std::vector<StampSize>& sizes_;
     StampTexels texels_;
-    std::vector<float> memory_;
+    std::unique_ptr<float[]> memory_;
     std::size_t used_ = 0;
     std::vector<StampBox> boxes_;
     std::vector<std::uint8_t> made_;
@@ -82,22 +84,18 @@ class CacheForm final : public BandForm {
 
     void step(GlowBand& band, std::int32_t index) override {
         const std::int32_t y = RowsThatReach(band, source_).first + index;
-        const StampLight* light = nullptr;
-        const StampLight* end = nullptr;
-        if (source_.census.hasLights()) {
-            light = source_.census.lightsBegin(y);
-            end = source_.census.lightsEnd(y);
+        const StampRun* run = nullptr;
+        const StampRun* end = nullptr;
+        if (source_.census.hasRuns()) {
+            run = source_.census.runsBegin(y);
+            end = source_.census.runsEnd(y);
         } else {
             readRow(y);
-            light = row_.data();
-            end = light + row_.size();
+            run = row_.data();
+            end = run + row_.size();
         }
-        while (light != end) {
-            const StampLight* next = light + 1;
-            while (next != end && next->size == light->size && next->x == next[-1].x + 1) ++next;
-            addRun(band, y, light->x, static_cast<std::int32_t>(next - light),
-                   cache_.stamp(light->size));
-            light = next;
+        for (; run != end; ++run) {
+            addRun(band, y, run->x, run->length, cache_.stamp(run->size));
         }
     }
 
@@ -110,9 +108,11 @@ class CacheForm final : public BandForm {
             const float value = source_.image.pixel(x, y)[source_.channel];
             if (value != lastValue) {
                 lastValue = value;
-                size = source_.census.sizeOf(value);
+                const std::int32_t next = source_.census.sizeOf(value);
+                if (next != size && next >= 0) row_.push_back({x, 0, next});
+                size = next;
             }
-            if (size >= 0) row_.push_back({x, size});
+            if (size >= 0) ++row_.back().length;
         }
     }
 
@@ -142,7 +142,7 @@ class CacheForm final : public BandForm {
 
     StampSource source_;
     StampCache cache_;
-    std::vector<StampLight> row_;
+    std::vector<StampRun> row_;
 };
 
 class DirectForm final : public BandForm {

@@ -14,6 +14,10 @@ constexpr std::size_t kSlots = std::size_t{1} << kSlotBits;
 constexpr std::size_t kMostSizes = kSlots / 2;
 constexpr std::int32_t kNoStamp = -1;
 
+// Corners are dropped once there are some and their stamps have this share of all texels.
+constexpr std::size_t kFewCorners = 2048;
+constexpr double kMostCornerTexels = 0.5;
+
 }  // namespace
 
 std::size_t LightBlocks(std::int32_t width) {
@@ -81,88 +85,105 @@ void StampCensus::dropSizes() {
     hasSizes_ = false;
     slots_ = {};
     sizes_ = {};
-    above_ = {};
-    row_ = {};
     dropCorners();
-    dropLights();
+    dropRuns();
 }
 
 void StampCensus::dropCorners() {
     hasCorners_ = false;
     corners_ = {};
+    above_ = {};
+    row_ = {};
 }
 
-void StampCensus::dropLights() {
-    hasLights_ = false;
-    lights_ = {};
+void StampCensus::dropRuns() {
+    hasRuns_ = false;
+    runs_ = {};
 }
 
 void StampCensus::addRow(const float* pixels, const std::vector<std::uint8_t>& blocks) {
     float lastValue = 0.0f;
     StampSize size{0.0f, 0};
-    std::int32_t place = kNoStamp;
+    StampRun run{0, 0, kNoStamp};
     for (std::size_t block = 0; block < blocks.size(); ++block) {
+        const std::int32_t begin = static_cast<std::int32_t>(block) * kLightBlock;
         if (blocks[block] == 0) {
-            lastValue = 0.0f;
-            size = {0.0f, 0};
-            place = kNoStamp;
+            if (size.reach != 0) {
+                run.length = begin - run.x;
+                endRun(run, size);
+                lastValue = 0.0f;
+                size = {0.0f, 0};
+            }
             continue;
         }
-        const std::int32_t begin = static_cast<std::int32_t>(block) * kLightBlock;
         const std::int32_t end = std::min(begin + kLightBlock, width_);
         for (std::int32_t x = begin; x < end; ++x) {
             const float value = pixels[static_cast<std::ptrdiff_t>(x) * kChannels];
-            if (value != lastValue) {  // NaN never equals and makes no stamp
-                const StampSize before = size;
-                lastValue = value;
-                size = StampSizeOf(value, splat_);
-                place = kNoStamp;
-                if (size.reach != 0) {
-                    if (before.reach == 0 || before.scale != size.scale) {
-                        runTexels_ += size.texels();
-                    }
-                    largestScale_ = std::max(largestScale_, size.scale);
-                    largestReach_ = std::max(largestReach_, size.reach);
-                    if (hasSizes_) place = placeOf(size);
-                }
+            if (value == lastValue) continue;  // NaN never equals and makes no stamp
+            lastValue = value;
+            const StampSize next = StampSizeOf(value, splat_);
+            if (next.reach == size.reach && (next.reach == 0 || next.scale == size.scale)) continue;
+            if (size.reach != 0) {
+                run.length = x - run.x;
+                endRun(run, size);
             }
-            if (hasSizes_) row_[static_cast<std::size_t>(x)] = place;
-            if (size.reach == 0) continue;
-            stamps_ += 1.0;
-            texels_ += size.texels();
-            if (!hasSizes_ || !hasLights_) continue;
-            if (lights_.size() == mostKept_) {
-                dropLights();
-            } else {
-                lights_.push_back({x, place});
-            }
+            size = next;
+            if (size.reach != 0) run = {x, 0, hasSizes_ ? placeOf(size) : kNoStamp};
         }
+    }
+    if (size.reach != 0) {
+        run.length = width_ - run.x;
+        endRun(run, size);
     }
     ++rows_;
     if (!hasSizes_) return;
-    if (hasLights_) lightRows_.push_back(lights_.size());
+    if (hasRuns_) runRows_.push_back(runs_.size());
+    if (!hasCorners_) return;
     std::copy(blocks.begin(), blocks.end(), blocks_.begin());
     addCorners();
-    if (rows_ == height_) addCorners();
+    if (hasCorners_ && rows_ == height_) addCorners();
+}
+
+void StampCensus::endRun(StampRun& run, StampSize size) {
+    const double texels = size.texels();
+    stamps_ += run.length;
+    texels_ += run.length * texels;
+    runTexels_ += texels;
+    largestScale_ = std::max(largestScale_, size.scale);
+    largestReach_ = std::max(largestReach_, size.reach);
+    if (!hasSizes_) return;
+    if (hasCorners_) std::fill_n(row_.begin() + run.x, run.length, run.size);
+    if (!hasRuns_) return;
+    if (runs_.size() == mostKept_) {
+        dropRuns();
+    } else {
+        runs_.push_back(run);
+    }
 }
 
 // Of the row against the one above; leaves a row without stamps.
 void StampCensus::addCorners() {
-    if (hasCorners_) {
-        for (std::size_t block = 0; block < blocks_.size(); ++block) {
-            const bool here = blocks_[block] != 0 || blocksAbove_[block] != 0;
-            // The first pixel of a block ends what the block before it holds.
-            const bool before =
-                block > 0 && (blocks_[block - 1] != 0 || blocksAbove_[block - 1] != 0);
-            if (here || before) addCornersOfBlock(static_cast<std::int32_t>(block) * kLightBlock);
-        }
-        if (corners_.size() > mostKept_) dropCorners();
+    for (std::size_t block = 0; block < blocks_.size(); ++block) {
+        const bool here = blocks_[block] != 0 || blocksAbove_[block] != 0;
+        // The first pixel of a block ends what the block before it holds.
+        const bool before = block > 0 && (blocks_[block - 1] != 0 || blocksAbove_[block - 1] != 0);
+        if (here || before) addCornersOfBlock(static_cast<std::int32_t>(block) * kLightBlock);
     }
-    if (hasCorners_) cornerRows_.push_back(corners_.size());
+    // Not worth it where the areas are small.
+    const bool small = corners_.size() > kFewCorners && cornerTexels_ > kMostCornerTexels * texels_;
+    if (corners_.size() > mostKept_ || small) {
+        dropCorners();
+        return;
+    }
+    cornerRows_.push_back(corners_.size());
     above_.swap(row_);
     blocksAbove_.swap(blocks_);
-    std::fill(row_.begin(), row_.end(), kNoStamp);
-    std::fill(blocks_.begin(), blocks_.end(), std::uint8_t{0});
+    for (std::size_t block = 0; block < blocks_.size(); ++block) {
+        if (blocks_[block] == 0) continue;
+        blocks_[block] = 0;
+        const std::int32_t begin = static_cast<std::int32_t>(block) * kLightBlock;
+        std::fill_n(row_.begin() + begin, std::min(kLightBlock, width_ - begin), kNoStamp);
+    }
 }
 
 void StampCensus::addCornersOfBlock(std::int32_t begin) {
@@ -207,11 +228,11 @@ const StampCorner* StampCensus::cornersBegin(std::int32_t y) const {
 const StampCorner* StampCensus::cornersEnd(std::int32_t y) const {
     return corners_.data() + cornerRows_[static_cast<std::size_t>(y) + 1];
 }
-const StampLight* StampCensus::lightsBegin(std::int32_t y) const {
-    return lights_.data() + lightRows_[static_cast<std::size_t>(y)];
+const StampRun* StampCensus::runsBegin(std::int32_t y) const {
+    return runs_.data() + runRows_[static_cast<std::size_t>(y)];
 }
-const StampLight* StampCensus::lightsEnd(std::int32_t y) const {
-    return lights_.data() + lightRows_[static_cast<std::size_t>(y) + 1];
+const StampRun* StampCensus::runsEnd(std::int32_t y) const {
+    return runs_.data() + runRows_[static_cast<std::size_t>(y) + 1];
 }
 
 }  // namespace vireon

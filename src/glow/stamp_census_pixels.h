@@ -25,9 +25,10 @@ void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std:
                 const Splat& splat, const ChannelFlags& channels,
                 std::vector<std::uint8_t>& blocks);
 
-/// A pixel that makes a stamp.
-struct StampLight {
+/// Neighbouring pixels of a row that make stamps of one size.
+struct StampRun {
     std::int32_t x;
+    std::int32_t length;
     std::int32_t size;  ///< place of its size in the census
 };
 
@@ -58,8 +59,7 @@ class StampCensus {
     float largestScale() const { return largestScale_; }
     std::int32_t largestReach() const { return largestReach_; }
 
-    /// Whether the stamps of all sizes fit the cache. Without, there are no sizes, lights or
-    /// corners.
+    /// Whether the stamps of all sizes fit the cache. Without, there are no sizes, runs or corners.
     bool hasSizes() const { return hasSizes_; }
     const std::vector<StampSize>& sizes() const { return sizes_; }
     /// Floats that the stamps of all sizes take.
@@ -68,7 +68,8 @@ class StampCensus {
     /// Place of a value's size, -1 when it makes no stamp. The value was in the source.
     std::int32_t sizeOf(float value) const;
 
-    /// Whether there are few enough corners to keep them; they are complete after the last row.
+    /// Whether there are few enough corners, that is large enough areas, to keep them; they are
+    /// complete after the last row.
     bool hasCorners() const { return hasSizes_ && hasCorners_; }
     double corners() const { return static_cast<double>(corners_.size()); }
     double cornerTexels() const { return cornerTexels_; }
@@ -76,14 +77,14 @@ class StampCensus {
     const StampCorner* cornersBegin(std::int32_t y) const;
     const StampCorner* cornersEnd(std::int32_t y) const;
 
-    /// Whether there are few enough lights to keep them.
-    bool hasLights() const { return hasSizes_ && hasLights_; }
-    const StampLight* lightsBegin(std::int32_t y) const;
-    const StampLight* lightsEnd(std::int32_t y) const;
+    /// Whether there are few enough runs to keep them.
+    bool hasRuns() const { return hasSizes_ && hasRuns_; }
+    const StampRun* runsBegin(std::int32_t y) const;
+    const StampRun* runsEnd(std::int32_t y) const;
 
     /// Give back what a form does not need.
     void dropCorners();
-    void dropLights();
+    void dropRuns();
     void dropSizes();
 
   private:
@@ -94,6 +95,7 @@ class StampCensus {
 
     std::size_t slotOf(float scale) const;
     std::int32_t placeOf(StampSize size);
+    void endRun(StampRun& run, StampSize size);
     void addCorners();
     void addCornersOfBlock(std::int32_t begin);
 
@@ -111,7 +113,7 @@ class StampCensus {
     std::size_t stampFloats_ = 0;
     bool hasSizes_ = true;
     bool hasCorners_ = true;
-    bool hasLights_ = true;
+    bool hasRuns_ = true;
     std::int32_t rows_ = 0;
     std::vector<Slot> slots_;
     std::vector<StampSize> sizes_;
@@ -121,8 +123,8 @@ class StampCensus {
     std::vector<std::uint8_t> blocks_;
     std::vector<StampCorner> corners_;
     std::vector<std::size_t> cornerRows_{0};
-    std::vector<StampLight> lights_;
-    std::vector<std::size_t> lightRows_{0};
+    std::vector<StampRun> runs_;
+    std::vector<std::size_t> runRows_{0};
 };
 
 /// Memory that the stamps of one channel may take together.

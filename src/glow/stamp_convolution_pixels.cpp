@@ -10,7 +10,7 @@ namespace vireon {
 namespace {
 
 // Rows of a band: all channels of it stay in a processor's own cache.
-constexpr std::int32_t kBandRows = 32;
+constexpr std::int32_t kBandRows = 64;
 
 // Looking at the source is done by this share of the whole.
 constexpr double kCensusShare = 1.0 / 16.0;
@@ -44,6 +44,10 @@ StampConvolution::StampConvolution(const simd::KernelTable& kernels, const Float
             work_[c].census = std::make_unique<StampCensus>(splat, source.width, source.height);
         }
     }
+}
+
+StampConvolution::~StampConvolution() {
+    clearFrom(writtenRows_);
 }
 
 StampSource StampConvolution::sourceOf(std::int32_t channel) const {
@@ -138,7 +142,7 @@ void StampConvolution::startForms() {
         if (form == ConvolutionForm::kNone) continue;
         const double cost = costOf(*work.census, form);
         totalCost_ += cost;
-        if (form != ConvolutionForm::kCache) work.census->dropLights();
+        if (form != ConvolutionForm::kCache) work.census->dropRuns();
         if (form != ConvolutionForm::kRuns) work.census->dropCorners();
         switch (form) {
             case ConvolutionForm::kCache: work.form = MakeCacheForm(sourceOf(c)); break;
@@ -169,6 +173,7 @@ void StampConvolution::startForms() {
         startBand(0);
     } else {
         bandsDone_ = true;
+        clearFrom(0);
     }
 }
 
@@ -212,11 +217,8 @@ void StampConvolution::workOnBands() {
     doneCost_ += work.stepCost;
 }
 
-// Channels of other forms are still 0.
+// Channels of other forms become 0.
 void StampConvolution::writeBand() {
-    bool touched = false;
-    for (const ChannelWork& work : work_) touched = touched || (work.form && work.band.touched);
-    if (!touched) return;
     const std::int32_t rows = std::min(kBandRows, source_.height - bandRow_);
     for (std::int32_t y = bandRow_; y < bandRow_ + rows; ++y) {
         const float* planes[kChannels];
@@ -226,6 +228,15 @@ void StampConvolution::writeBand() {
         }
         kernels_.stamps.writePixels(planes, destination_.row(y), destination_.width);
     }
+    writtenRows_ = bandRow_ + rows;
+}
+
+void StampConvolution::clearFrom(std::int32_t firstRow) {
+    for (std::int32_t y = firstRow; y < destination_.height; ++y) {
+        std::fill_n(destination_.row(y),
+                    static_cast<std::ptrdiff_t>(destination_.width) * kChannels, 0.0f);
+    }
+    writtenRows_ = destination_.height;
 }
 
 void StampConvolution::workOnRanges() {

@@ -20,13 +20,18 @@ namespace vireon {
 /// pixel.
 class StampConvolution {
   public:
-    /// Source and destination are float images of the same size that do not overlap; the
-    /// destination is 0. Refers to the kernels and to the splat.
+    /// Source and destination are float images of the same size that do not overlap. Refers to the
+    /// kernels and to the splat.
     /// \param forced  the form of every channel that has stamps, where it can be had
     StampConvolution(const simd::KernelTable& kernels, const FloatImage& source,
                      const FloatImage& destination, const Splat& splat,
                      const ChannelFlags& channels,
                      std::optional<ConvolutionForm> forced = std::nullopt);
+
+    StampConvolution(const StampConvolution&) = delete;
+    StampConvolution& operator=(const StampConvolution&) = delete;
+    /// Clears what was not written.
+    ~StampConvolution();
 
     /// Does the work up to a share of the whole, from 0 to 1, at which the destination is complete.
     /// \throws std::bad_alloc
@@ -54,6 +59,7 @@ class StampConvolution {
     void workOnRanges();
     void startBand(std::int32_t firstRow);
     void writeBand();
+    void clearFrom(std::int32_t firstRow);
 
     const simd::KernelTable& kernels_;
     FloatImage source_;
@@ -73,6 +79,7 @@ class StampConvolution {
     std::int32_t channel_ = 0;
     std::int32_t step_ = 0;
     double writeCost_ = 0.0;
+    std::int32_t writtenRows_ = 0;
     std::unique_ptr<RangesForm> ranges_;
 };
 

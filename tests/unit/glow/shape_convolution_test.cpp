@@ -250,7 +250,9 @@ TEST(ConvolveShape, AbortStopsAtItsRowAndIsTheResult) {
         Picture source = Light();
         Picture got(12, 9);
         GlowSettings settings = SmallGlow();
-        EXPECT_EQ(ConvolveShape(host, source, got, &kernel, settings, 1.0f), 517);
+        ConvolutionOptions plain;
+        plain.kernels = nullptr;
+        EXPECT_EQ(ConvolveShape(host, source, got, &kernel, settings, 1.0f, plain), 517);
         EXPECT_EQ(host.count("progress"), row + 1);
         EXPECT_EQ(host.count("newHandle"), row);
         EXPECT_EQ(settings.progressCount, row + 1);
