@@ -1,5 +1,5 @@
 // The convolution alone, plain and at every level of the machine, one case after the other in one
-// process. `ns_per_texel` counts the texels of all stamps, those beyond the image included,
+// process. `per_texel` is the time over the texels of all stamps, those beyond the image included,
 // whatever the form adds up in their place. Cases that take the plain form minutes are measured on
 // a smaller picture as well.
 
@@ -144,8 +144,8 @@ void Measure(benchmark::State& state, const Case& which, simd::Level level) {
         }
     }
     state.counters["texels"] = texels;
-    state.counters["ns_per_texel"] = benchmark::Counter(
-        texels * 1e-9, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    state.counters["per_texel"] = benchmark::Counter(
+        texels, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
     if (kernels != nullptr) {
         std::string forms;
         for (std::int32_t c = kRed; c <= kBlue; ++c) {

@@ -68,11 +68,6 @@ RowRange RowsThatReach(const GlowBand& band, const StampSource& source) {
     return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)};
 }
 
-// The largest number of copies that the kernels add at once.
-std::int32_t CopiesOf(std::int32_t run) {
-    return run >= kMostCopies ? kMostCopies : run >= 4 ? 4 : run >= 2 ? 2 : 1;
-}
-
 class CacheForm final : public BandForm {
   public:
     explicit CacheForm(const StampSource& source) : source_(source), cache_(source) {}
@@ -132,7 +127,7 @@ class CacheForm final : public BandForm {
         span.columns = box.columns;
         span.width = band.width;
         while (run > 0) {
-            const std::int32_t copies = CopiesOf(run);
+            const std::int32_t copies = std::min(run, kMostCopies);
             span.left = x + box.firstColumn;
             source_.kernels.stamps.addCopies(span, copies);
             x += copies;
@@ -197,7 +192,7 @@ class DirectForm final : public BandForm {
             band.touched = true;
             span.plane = band.row(row);
             for (std::int32_t done = 0; done < run;) {
-                const std::int32_t copies = CopiesOf(run - done);
+                const std::int32_t copies = std::min(run - done, kMostCopies);
                 span.left = x + done + first;
                 if (span.left < span.width && span.left + columns + copies > 0) {
                     source_.kernels.stamps.addCopies(span, copies);
@@ -227,7 +222,8 @@ class RunsForm final : public BandForm {
         : source_(source),
           cache_(source),
           margin_(source.census.largestReach()),
-          sums_(static_cast<std::size_t>(margin_) + static_cast<std::size_t>(source.image.width)) {
+          sums_(static_cast<std::size_t>(margin_) + static_cast<std::size_t>(source.image.width)),
+          row_(static_cast<std::size_t>(source.image.width)) {
         const double side = 2.0 * margin_ + 1.0;
         const double pixels = static_cast<double>(source.image.width) * source.image.height;
         // Four differences of a pixel's sum at most are under way at a time.
@@ -242,23 +238,19 @@ class RunsForm final : public BandForm {
 
     void step(GlowBand& band, std::int32_t index) override {
         const std::int32_t y = band.firstRow + index - (band.firstRow == 0 ? margin_ : 0);
-        addCorners(y);
+        changed_ = addCorners(y) || changed_;
         if (y < 0 || !started_) return;
         band.touched = true;
-        double sum = 0.0;
-        for (std::int32_t i = 0; i < margin_; ++i) sum += sums_[static_cast<std::size_t>(i)];
-        const double* column = sums_.data() + margin_;
-        float* out = band.row(y);
-        for (std::int32_t x = 0; x < band.width; ++x) {
-            sum += column[x];
-            out[x] = static_cast<float>(sum);
-        }
+        if (changed_) integrate();
+        changed_ = false;
+        std::copy(row_.begin(), row_.end(), band.row(y));
     }
 
   private:
     // Turns the sums of the row above into those of row y, both differences along the row.
-    void addCorners(std::int32_t y) {
+    bool addCorners(std::int32_t y) {
         const StampCensus& census = source_.census;
+        bool added = false;
         const std::int32_t first = std::max(y - margin_, 0);
         const std::int32_t last = std::min(y + margin_, source_.image.height);
         for (std::int32_t from = first; from <= last; ++from) {
@@ -270,11 +262,23 @@ class RunsForm final : public BandForm {
                 const std::int32_t left = corner->x + box.firstColumn;
                 const std::int32_t columns = std::min(box.columns, source_.image.width - left);
                 if (columns <= 0) continue;
-                started_ = true;
+                added = true;
                 source_.kernels.stamps.addToSums(box.texels + row * box.stride,
                                                  static_cast<double>(corner->sign),
                                                  sums_.data() + margin_ + left, columns);
             }
+        }
+        started_ = started_ || added;
+        return added;
+    }
+
+    void integrate() {
+        double sum = 0.0;
+        for (std::int32_t i = 0; i < margin_; ++i) sum += sums_[static_cast<std::size_t>(i)];
+        const double* column = sums_.data() + margin_;
+        for (std::size_t x = 0; x < row_.size(); ++x) {
+            sum += column[x];
+            row_[x] = static_cast<float>(sum);
         }
     }
 
@@ -282,7 +286,9 @@ class RunsForm final : public BandForm {
     StampCache cache_;
     std::int32_t margin_;
     std::vector<double> sums_;
+    std::vector<float> row_;  ///< of the glow, of the sums as they were when last integrated
     bool started_ = false;
+    bool changed_ = false;
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 #include "glow/stamp_texels_pixels.h"
 #include "simd/kernel_table.h"
@@ -163,7 +164,8 @@ void StampCensus::endRun(StampRun& run, StampSize size) {
 
 // Of the row against the one above; leaves a row without stamps.
 void StampCensus::addCorners() {
-    for (std::size_t block = 0; block < blocks_.size(); ++block) {
+    const bool same = std::memcmp(row_.data(), above_.data(), row_.size() * sizeof(row_[0])) == 0;
+    for (std::size_t block = 0; block < blocks_.size() && !same; ++block) {
         const bool here = blocks_[block] != 0 || blocksAbove_[block] != 0;
         // The first pixel of a block ends what the block before it holds.
         const bool before = block > 0 && (blocks_[block - 1] != 0 || blocksAbove_[block - 1] != 0);

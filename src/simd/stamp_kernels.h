@@ -36,8 +36,8 @@ struct StampKernels {
     std::ptrdiff_t (*nextLight)(const float* row, std::ptrdiff_t pixel, std::ptrdiff_t pixels,
                                 float radius, const std::int32_t* chosen);
 
-    /// Adds the stamp at `left`, then at the column right of it, and so on: 1, 2, 4 or 8 copies,
-    /// texel by texel in that order.
+    /// Adds the stamp at `left`, then at the column right of it, and so on: 1 to
+    /// `kMostCopies` of it, texel by texel in that order.
     void (*addCopies)(const StampSpan& span, std::int32_t copies);
 
     /// Adds A + p (B + p C), A being the span's texels and B and C planes of the same layout.
