@@ -21,6 +21,8 @@ constexpr double kMostCornerTexels = 0.5;
 
 }  // namespace
 
+using simd::kLightBlock;
+
 std::size_t LightBlocks(std::int32_t width) {
     return static_cast<std::size_t>(width / kLightBlock) + 1;
 }
@@ -30,16 +32,7 @@ void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std:
                 std::vector<std::uint8_t>& blocks) {
     std::int32_t chosen[kChannels];
     for (std::int32_t c = 0; c < kChannels; ++c) chosen[c] = channels.enabled[c] ? -1 : 0;
-    std::fill(blocks.begin(), blocks.end(), std::uint8_t{0});
-    std::ptrdiff_t x = 0;
-    for (;;) {
-        x = kernels.stamps.nextLight(source.row(y), x, source.width, splat.radius, chosen);
-        if (x >= source.width) return;
-        const std::ptrdiff_t block = x / kLightBlock;
-        blocks[static_cast<std::size_t>(block)] = 1;
-        x = (block + 1) * kLightBlock;
-        if (x >= source.width) return;
-    }
+    kernels.stamps.flagLights(source.row(y), source.width, splat.radius, chosen, blocks.data());
 }
 
 StampCensus::StampCensus(const Splat& splat, std::int32_t width, std::int32_t height)

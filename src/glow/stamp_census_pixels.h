@@ -13,10 +13,7 @@ namespace simd {
 struct KernelTable;
 }
 
-/// Pixels that are looked at together, to pass over dark ones.
-inline constexpr std::int32_t kLightBlock = 16;
-
-/// Blocks of a row of a width, the pixel right of it included.
+/// Blocks of `simd::kLightBlock` pixels of a row of a width, the pixel right of it included.
 std::size_t LightBlocks(std::int32_t width);
 
 /// Flags the blocks of a source row that may hold pixels with a stamp in any of the channels.

@@ -16,6 +16,9 @@ inline constexpr std::int32_t kPlaneBlock = 16;
 /// The same texels added at this many neighbouring columns, at most.
 inline constexpr std::int32_t kMostCopies = 8;
 
+/// Pixels that are looked at together, to pass over dark ones.
+inline constexpr std::int32_t kLightBlock = 16;
+
 /// Where a stamp meets a plane of one channel. The plane's rows are a multiple of `kPlaneBlock`
 /// long and what lies right of `width` is nobody's; the stamp's rows are parted by `kStampMargin`.
 struct StampSpan {
@@ -30,11 +33,12 @@ struct StampSpan {
 };
 
 struct StampKernels {
-    /// First pixel from `pixel` on of which a float that is chosen, times `radius`, is at least 1;
-    /// at most one vector too early. `pixels` when there is none.
+    /// For every `kLightBlock` pixels of a row, and for the rest of it, be it none: 1 when a float
+    /// that is chosen, times `radius`, is at least 1, else 0.
     /// \param chosen  four masks, all bits set for a channel that counts
-    std::ptrdiff_t (*nextLight)(const float* row, std::ptrdiff_t pixel, std::ptrdiff_t pixels,
-                                float radius, const std::int32_t* chosen);
+    /// \param flags  pixels / kLightBlock + 1
+    void (*flagLights)(const float* row, std::ptrdiff_t pixels, float radius,
+                       const std::int32_t* chosen, std::uint8_t* flags);
 
     /// Adds the stamp at `left`, then at the column right of it, and so on: 1 to
     /// `kMostCopies` of it, texel by texel in that order.
