@@ -180,7 +180,7 @@ float LargestOfRows(const simd::KernelTable& kernels, GlowRows& rows, std::int32
     return largest;
 }
 
-simd::GlowRowSettings RowSettingsOf(const GlowSettings& settings, bool opaque) {
+simd::GlowRowSettings PassesOf(const GlowSettings& settings, bool opaque) {
     simd::GlowRowSettings row{};
     row.keepColour[0] = settings.outputRed;
     row.keepColour[1] = settings.outputGreen;
@@ -201,43 +201,59 @@ void SetSoftClip(simd::GlowRowSettings& row, const GlowSettings& settings, float
     row.fullClamp = NearOne(clamp);
 }
 
-// Composites rows of glow over rows of the input, in the glow's place.
-class RowCompositor {
+// Turns spans of glow into spans of the finished frame: the passes over the glow, then the
+// composite over the input, in the glow's place.
+class SpanFinisher {
   public:
-    RowCompositor(PluginHost_API& host, const simd::KernelTable& kernels,
-                  const GlowSettings& settings)
+    SpanFinisher(PluginHost_API& host, const simd::KernelTable& kernels,
+                 const GlowSettings& settings, const simd::GlowRowSettings& passes)
         : kernels_(kernels),
+          passes_(passes),
           glowOpacity_(static_cast<float>(settings.glowOpacity * 0.01)),
-          sourceOpacity_(static_cast<float>(settings.sourceOpacity * 0.01)) {
-        composites_ = settings.transferMode != kTransferNone;
+          sourceOpacity_(static_cast<float>(settings.sourceOpacity * 0.01)),
+          composites_(settings.transferMode != kTransferNone) {
         if (composites_) {
             mode_ = PipelineTransferMode(settings.transferMode, host.keepsSeparators());
         }
+        addsOpaque_ = composites_ && mode_ == kTransferAdd && passes.opaque &&
+                      glowOpacity_ == 1.0f && sourceOpacity_ == 1.0f;
     }
 
-    void composite(float* glow, float* input, std::int32_t width) const {
-        const FloatImage top{glow, width, 1, 0};
-        if (!composites_) {
-            if (!NearOne(glowOpacity_)) ScaleColour(top, glowOpacity_);
+    void finish(float* glow, float* input, std::int32_t pixels) const {
+        const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(pixels) * kChannels;
+        if (addsOpaque_) {
+            kernels_.frame.finishAndAddOpaque(glow, input, values, passes_);
             return;
         }
-        if (mode_ == kTransferAdd) {
-            kernels_.frame.blendAdd(glow, input, static_cast<std::ptrdiff_t>(width) * kChannels,
-                                    glowOpacity_, sourceOpacity_);
-            return;
-        }
-        if (mode_ == kTransferColorBurn) ClampColour(top);
-        if (const BlendRoutine blend = BlendRoutineOf(mode_)) {
-            blend(top, FloatImage{input, width, 1, 0}, {glowOpacity_, sourceOpacity_, false});
-        }
-        if (mode_ == kTransferColorBurn) ClampColour(top);
+        kernels_.frame.finishGlow(glow, input, values, passes_);
+        composite({glow, pixels, 1, 0}, {input, pixels, 1, 0});
     }
 
   private:
+    void composite(const FloatImage& glow, const FloatImage& input) const {
+        if (!composites_) {
+            if (!NearOne(glowOpacity_)) ScaleColour(glow, glowOpacity_);
+            return;
+        }
+        if (mode_ == kTransferAdd) {
+            kernels_.frame.blendAdd(glow.pixels, input.pixels,
+                                    static_cast<std::ptrdiff_t>(glow.width) * kChannels,
+                                    glowOpacity_, sourceOpacity_);
+            return;
+        }
+        if (mode_ == kTransferColorBurn) ClampColour(glow);
+        if (const BlendRoutine blend = BlendRoutineOf(mode_)) {
+            blend(glow, input, {glowOpacity_, sourceOpacity_, false});
+        }
+        if (mode_ == kTransferColorBurn) ClampColour(glow);
+    }
+
     const simd::KernelTable& kernels_;
+    simd::GlowRowSettings passes_;
     float glowOpacity_;
     float sourceOpacity_;
-    bool composites_ = false;
+    bool composites_;
+    bool addsOpaque_ = false;
     std::int32_t mode_ = 0;
 };
 
@@ -246,7 +262,7 @@ bool IsFloat(const RasterLayout& layout) {
 }
 
 void WriteFrame(const simd::KernelTable& kernels, const FrameLayouts& layouts, GlowRows& rows,
-                const simd::GlowRowSettings& settings, const RowCompositor& compositor) {
+                const SpanFinisher& finisher) {
     // Float pixels are read and written where they are, others by way of these.
     std::vector<float> convertedInput(static_cast<std::size_t>(kSpan) * kChannels);
     std::vector<float> finished(convertedInput.size());
@@ -263,18 +279,14 @@ void WriteFrame(const simd::KernelTable& kernels, const FrameLayouts& layouts, G
         }
         float* glow = IsFloat(to) ? FloatView(to).pixels : finished.data();
         rows.read(x, y, pixels, glow);
-        kernels.frame.finishGlow(glow, input, static_cast<std::ptrdiff_t>(pixels) * kChannels,
-                                 settings);
-        compositor.composite(glow, input, pixels);
+        finisher.finish(glow, input, pixels);
         if (!IsFloat(to)) ConvertPixelsFromFloat(kernels, {glow, pixels, 1, 0}, to);
     });
 }
 
 }  // namespace
 
-bool CanFuseFrame(PluginHost_API& host, const GlowSettings& settings, const FrameLayouts& layouts,
-                  const GlowKernel* shape) {
-    if (shape == nullptr || !shape->hasTexels()) return false;
+bool CanFuseStages(PluginHost_API& host, const GlowSettings& settings) {
     if (settings.view != kViewOutput || !IsInputChannelsChoice(settings.inputChannels))
         return false;
     if (settings.enableMask || settings.fastSplat) return false;
@@ -283,10 +295,11 @@ bool CanFuseFrame(PluginHost_API& host, const GlowSettings& settings, const Fram
     if (NearZero(static_cast<float>(settings.glowOpacity * 0.01))) return false;
 
     const bool ownCompositor = !host.isApplication(kAfterEffects);
-    if (host.alphaIsUndefined() || host.alphaIsIgnored() || host.isPremultiplied() ||
-        host.compositesItself() || (host.offersTransfer() && !ownCompositor)) {
-        return false;
-    }
+    return !host.alphaIsUndefined() && !host.alphaIsIgnored() && !host.isPremultiplied() &&
+           !host.compositesItself() && (ownCompositor || !host.offersTransfer());
+}
+
+bool CanFusePixels(const FrameLayouts& layouts) {
     return IsReadable(layouts.source) && IsReadable(layouts.input) && IsReadable(layouts.output) &&
            layouts.source.formatCode == layouts.input.formatCode &&
            !Overlap(layouts.output, layouts.input) && !Overlap(layouts.output, layouts.source);
@@ -354,13 +367,13 @@ std::int32_t RenderFusedFrame(PluginHost_API& host, const simd::KernelTable& ker
         rows = std::make_unique<ImageRows>(ViewRaster(host, *enlarged));
     }
 
-    simd::GlowRowSettings rowSettings = RowSettingsOf(settings, opaque);
+    simd::GlowRowSettings passes = PassesOf(settings, opaque);
     // Smoothing weighs its samples with positive weights whose sum is 1: it makes no value larger.
     const bool mayExceed = !range.finite || range.largest > 1.0f;
     if (settings.preventOverbrights && mayExceed) {
-        SetSoftClip(rowSettings, settings, LargestOfRows(kernels, *rows, width, height));
+        SetSoftClip(passes, settings, LargestOfRows(kernels, *rows, width, height));
     }
-    WriteFrame(kernels, layouts, *rows, rowSettings, RowCompositor(host, kernels, settings));
+    WriteFrame(kernels, layouts, *rows, SpanFinisher(host, kernels, settings, passes));
     return kSuccess;
 }
 

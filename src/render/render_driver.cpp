@@ -117,28 +117,68 @@ void AdoptFormat(PluginRaster_API& working, const RasterLayout& output) {
     record->formatCode = output.formatCode;
 }
 
-std::int32_t RenderFrame(PluginHost_API& host, Frame& frame) {
+// The raster that the glow is grown from when the frame goes through full-size stages. Without it
+// the output is cleared and the result says why.
+std::int32_t MakeWorkingRaster(PluginHost_API& host, Frame& frame, const RasterLayout& input,
+                               const RasterLayout& output) {
+    std::int32_t error = 0;
+    frame.working = CreateWorkingRaster(host, input.width, input.height,
+                                        DepthOfFormat(input.formatCode), /*clear=*/true, error);
+    if (!frame.working) {
+        ClearRaster(host, *frame.hostOutput);
+        return error != 0 ? error : kRenderFailed;
+    }
+    AdoptFormat(*frame.working, output);
+    return kSuccess;
+}
+
+std::int32_t RenderInStages(PluginHost_API& host, Frame& frame, GlowSettings& settings) {
     PluginRaster_API& hostInput = *frame.hostInput;
+    PluginRaster_API& hostOutput = *frame.hostOutput;
+    PluginRaster_API* const glowLayer = frame.glowLayer.raster();
+
+    std::int32_t error =
+        CopyRaster(host, *frame.working, glowLayer != nullptr ? *glowLayer : hostInput);
+    if (error != 0) {
+        ClearRaster(host, hostOutput);
+        return error;
+    }
+    frame.input.use(host, &hostInput, error);
+    frame.output.use(host, &hostOutput, error);
+    frame.source.use(host, frame.working.get(), error);
+    frame.mask.use(host, frame.maskLayer.raster(), error);
+    if (error != 0) {
+        ClearRaster(host, hostOutput);
+        return error;
+    }
+    const std::int32_t result =
+        RenderGlow(host, settings, {*frame.source, *frame.input, *frame.output, frame.mask.get()});
+    if (!frame.output.isCopy()) return result;
+    const std::int32_t written = ConvertFromFloat(host, hostOutput, *frame.output);
+    return result != kSuccess ? result : written;
+}
+
+std::int32_t RenderFrame(PluginHost_API& host, Frame& frame) {
     PluginRaster_API& hostOutput = *frame.hostOutput;
 
     std::int32_t error = 0;
-    const RasterLayout inputLayout = DescribeRaster(host, hostInput, error);
-    RasterLayout outputLayout;
-    if (error == 0) error = host.outputLayout(outputLayout);
-    if (error == 0) {
-        frame.working = CreateWorkingRaster(host, inputLayout.width, inputLayout.height,
-                                            DepthOfFormat(inputLayout.formatCode),
-                                            /*clear=*/true, error);
-    }
-    if (!frame.working) {
+    FrameLayouts layouts;
+    layouts.input = DescribeRaster(host, *frame.hostInput, error);
+    if (error == 0) error = host.outputLayout(layouts.output);
+    if (error != 0) {
         ClearRaster(host, hostOutput);
-        return error != 0 ? error : kRenderFailed;
+        return error;
     }
-    AdoptFormat(*frame.working, outputLayout);
 
-    const GlowParams params = ReadGlowParams(host, inputLayout.width, inputLayout.height);
+    const GlowParams params = ReadGlowParams(host, layouts.input.width, layouts.input.height);
     GlowSettings settings;
     settings.fill(params);
+    const simd::KernelTable* kernels =
+        CanFuseStages(host, settings) ? simd::ActiveKernels() : nullptr;
+    if (kernels == nullptr) {
+        error = MakeWorkingRaster(host, frame, layouts.input, layouts.output);
+        if (error != 0) return error;
+    }
 
     if (params.shape == kCustomGlowShape) {
         frame.shapeLayer.checkOut(host, kParamShapeLayer, kShapeLayerId);
@@ -152,9 +192,12 @@ std::int32_t RenderFrame(PluginHost_API& host, Frame& frame) {
         frame.maskLayer.checkOut(host, kParamMaskLayer, kMaskLayerId);
     }
     frame.glowLayer.checkOut(host, kParamGlowLayer, kGlowLayerId);
-    PluginRaster_API* const glowLayer = frame.glowLayer.raster();
 
     frame.shape.use(host, frame.shapeLayer.raster(), error);
+    layouts.source = layouts.input;
+    if (error == 0 && frame.glowLayer.raster() != nullptr) {
+        layouts.source = DescribeRaster(host, *frame.glowLayer.raster(), error);
+    }
     if (error != 0) {
         ClearRaster(host, hostOutput);
         return error;
@@ -163,40 +206,15 @@ std::int32_t RenderFrame(PluginHost_API& host, Frame& frame) {
         frame.customShape.set(MakeCustomShape(ViewRaster(host, *frame.shape)));
     }
 
-    if (const simd::KernelTable* kernels = simd::ActiveKernels()) {
-        FrameLayouts layouts{inputLayout, inputLayout, {}};
-        if (glowLayer != nullptr) layouts.source = DescribeRaster(host, *glowLayer, error);
-        if (error == 0) layouts.output = DescribeRaster(host, hostOutput, error);
-        if (error != 0) {
-            ClearRaster(host, hostOutput);
-            return error;
-        }
+    if (kernels != nullptr) {
         const GlowKernel* shape = FindShape(host, settings);
-        if (CanFuseFrame(host, settings, layouts, shape)) {
+        if (shape != nullptr && shape->hasTexels() && CanFusePixels(layouts)) {
             return RenderFusedFrame(host, *kernels, settings, layouts, *shape, hostOutput);
         }
+        error = MakeWorkingRaster(host, frame, layouts.input, layouts.output);
+        if (error != 0) return error;
     }
-
-    error = CopyRaster(host, *frame.working, glowLayer != nullptr ? *glowLayer : hostInput);
-    if (error != 0) {
-        ClearRaster(host, hostOutput);
-        return error;
-    }
-
-    frame.input.use(host, &hostInput, error);
-    frame.output.use(host, &hostOutput, error);
-    frame.source.use(host, frame.working.get(), error);
-    frame.mask.use(host, frame.maskLayer.raster(), error);
-    if (error != 0) {
-        ClearRaster(host, hostOutput);
-        return error;
-    }
-
-    const std::int32_t result =
-        RenderGlow(host, settings, {*frame.source, *frame.input, *frame.output, frame.mask.get()});
-    if (!frame.output.isCopy()) return result;
-    const std::int32_t written = ConvertFromFloat(host, hostOutput, *frame.output);
-    return result != kSuccess ? result : written;
+    return RenderInStages(host, frame, settings);
 }
 
 }  // namespace

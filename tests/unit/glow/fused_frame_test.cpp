@@ -122,7 +122,8 @@ Picture Fused(const Frame& frame, const GlowSettings& settings, bool highQuality
         Frame own(frame);
         Picture hostOutput(1, 1);
         GlowSettings copy = settings;
-        EXPECT_TRUE(CanFuseFrame(host, copy, own.layouts(), &TestKernel()));
+        EXPECT_TRUE(CanFuseStages(host, copy));
+        EXPECT_TRUE(CanFusePixels(own.layouts()));
         EXPECT_EQ(RenderFusedFrame(host, *simd::KernelsOf(level), copy, own.layouts(), TestKernel(),
                                    hostOutput),
                   0);
@@ -311,50 +312,49 @@ TEST(FusedFrame, WithoutMemoryForAWorkingRasterTheOutputIsCleared) {
     }
 }
 
-TEST(CanFuseFrame, RefusesEveryFrameThatNeedsFullSizeStages) {
-    const Frame frame(20, 16, kFormat8, true);
-    const FrameLayouts layouts = frame.layouts();
-    const GlowSettings usual = Settings(kAddChoice, 2);
-    const auto refused = [&](auto&& change) {
+TEST(CanFuseStages, RefusesWhateverNeedsFullSizeStages) {
+    const auto refused = [](auto&& change) {
         FakeHost host;
-        GlowSettings settings = usual;
-        FrameLayouts changed = layouts;
-        const GlowKernel* shape = &TestKernel();
-        change(host, settings, changed, shape);
-        return !CanFuseFrame(host, settings, changed, shape);
+        GlowSettings settings = Settings(kAddChoice, 2);
+        change(host, settings);
+        return !CanFuseStages(host, settings);
     };
-    using Layouts = FrameLayouts;
-    using Shape = const GlowKernel*;
-    using Set = GlowSettings;
-    EXPECT_FALSE(refused([](FakeHost&, Set&, Layouts&, Shape&) {}));
-    EXPECT_TRUE(refused([](FakeHost&, Set& s, Layouts&, Shape&) { s.view = kViewMask; }));
-    EXPECT_TRUE(refused([](FakeHost&, Set& s, Layouts&, Shape&) { s.view = kViewBrightnessMap; }));
-    EXPECT_TRUE(refused([](FakeHost&, Set& s, Layouts&, Shape&) { s.blurInput = 0.1; }));
-    EXPECT_TRUE(refused([](FakeHost&, Set& s, Layouts&, Shape&) { s.enableMask = true; }));
-    EXPECT_TRUE(refused([](FakeHost&, Set& s, Layouts&, Shape&) { s.fastSplat = true; }));
-    EXPECT_TRUE(refused([](FakeHost&, Set& s, Layouts&, Shape&) { s.pipelineMode = 0; }));
-    EXPECT_TRUE(refused([](FakeHost&, Set& s, Layouts&, Shape&) { s.inputChannels = 7; }));
-    EXPECT_TRUE(refused([](FakeHost&, Set& s, Layouts&, Shape&) { s.glowOpacity = 0.0; }));
-    EXPECT_TRUE(refused([](FakeHost& h, Set&, Layouts&, Shape&) { h.undefinedAlpha = true; }));
-    EXPECT_TRUE(refused([](FakeHost& h, Set&, Layouts&, Shape&) { h.ignoredAlpha = true; }));
-    EXPECT_TRUE(refused([](FakeHost& h, Set&, Layouts&, Shape&) { h.premultiplied = true; }));
-    EXPECT_TRUE(refused([](FakeHost& h, Set&, Layouts&, Shape&) { h.selfCompositing = true; }));
-    EXPECT_TRUE(refused([](FakeHost& h, Set&, Layouts&, Shape&) {
+    EXPECT_FALSE(refused([](FakeHost&, GlowSettings&) {}));
+    EXPECT_TRUE(refused([](FakeHost&, GlowSettings& s) { s.view = kViewMask; }));
+    EXPECT_TRUE(refused([](FakeHost&, GlowSettings& s) { s.view = kViewBrightnessMap; }));
+    EXPECT_TRUE(refused([](FakeHost&, GlowSettings& s) { s.blurInput = 0.1; }));
+    EXPECT_TRUE(refused([](FakeHost&, GlowSettings& s) { s.enableMask = true; }));
+    EXPECT_TRUE(refused([](FakeHost&, GlowSettings& s) { s.fastSplat = true; }));
+    EXPECT_TRUE(refused([](FakeHost&, GlowSettings& s) { s.pipelineMode = 0; }));
+    EXPECT_TRUE(refused([](FakeHost&, GlowSettings& s) { s.inputChannels = 7; }));
+    EXPECT_TRUE(refused([](FakeHost&, GlowSettings& s) { s.glowOpacity = 0.0; }));
+    EXPECT_TRUE(refused([](FakeHost& h, GlowSettings&) { h.undefinedAlpha = true; }));
+    EXPECT_TRUE(refused([](FakeHost& h, GlowSettings&) { h.ignoredAlpha = true; }));
+    EXPECT_TRUE(refused([](FakeHost& h, GlowSettings&) { h.premultiplied = true; }));
+    EXPECT_TRUE(refused([](FakeHost& h, GlowSettings&) { h.selfCompositing = true; }));
+    EXPECT_TRUE(refused([](FakeHost& h, GlowSettings&) {
         h.transferService = true;
         h.application = kAfterEffects;
     }));
-    EXPECT_TRUE(refused([](FakeHost&, Set&, Layouts&, Shape& s) { s = nullptr; }));
-    const GlowKernel empty;
-    EXPECT_TRUE(refused([&](FakeHost&, Set&, Layouts&, Shape& s) { s = &empty; }));
-    EXPECT_TRUE(refused([](FakeHost&, Set&, Layouts& l, Shape&) { l.output.pixels = nullptr; }));
-    EXPECT_TRUE(refused([](FakeHost&, Set&, Layouts& l, Shape&) {
+}
+
+TEST(CanFusePixels, RefusesPixelsThatAreNotThereInAnotherOrderOrShared) {
+    const Frame frame(20, 16, kFormat8, true);
+    const auto refused = [&](auto&& change) {
+        FrameLayouts layouts = frame.layouts();
+        change(layouts);
+        return !CanFusePixels(layouts);
+    };
+    EXPECT_FALSE(refused([](FrameLayouts&) {}));
+    EXPECT_TRUE(refused([](FrameLayouts& l) { l.output.pixels = nullptr; }));
+    EXPECT_TRUE(refused([](FrameLayouts& l) { l.source.height = 0; }));
+    EXPECT_TRUE(refused([](FrameLayouts& l) {
         l.input.formatCode = kFormat8Bgra;
         l.source.formatCode = kFormat8Bgra;
     }));
-    EXPECT_TRUE(refused([](FakeHost&, Set&, Layouts& l, Shape&) { l.output = l.input; }));
-    EXPECT_TRUE(refused([](FakeHost&, Set&, Layouts& l, Shape&) { l.output = l.source; }));
-    EXPECT_TRUE(
-        refused([](FakeHost&, Set&, Layouts& l, Shape&) { l.source.formatCode = kFormatWorld16; }));
+    EXPECT_TRUE(refused([](FrameLayouts& l) { l.output = l.input; }));
+    EXPECT_TRUE(refused([](FrameLayouts& l) { l.output = l.source; }));
+    EXPECT_TRUE(refused([](FrameLayouts& l) { l.source.formatCode = kFormatWorld16; }));
 }
 
 }  // namespace

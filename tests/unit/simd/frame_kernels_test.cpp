@@ -362,6 +362,32 @@ TEST(FrameKernels, AddIsTheBlendOfThatMode) {
     }
 }
 
+TEST(FrameKernels, OpaqueGlowIsFinishedAndAddedInOneGo) {
+    Random random(7);
+    for (const Footage footage : kFootage) {
+        AtEveryLevelAndLength(
+            [&](const simd::FrameKernels& kernels, std::int32_t pixels, std::int32_t offset) {
+                Row glow(pixels, offset, footage, random);
+                Row source(pixels, offset, footage, random);
+                for (std::int32_t x = 0; x < pixels; ++x) source.data()[x * kChannels] = 1.0f;
+                simd::GlowRowSettings row{};
+                for (bool& keep : row.keepColour) keep = random.whole(0, 3) != 0;
+                row.opaque = true;
+                row.softClip = random.whole(0, 1) == 0;
+                row.excess = random.whole(0, 1) == 0 ? 1.0f : 0.4f;
+                row.knee = 1.0f - row.excess;
+                row.clamp = random.whole(0, 1) == 0 ? 1.0f : 0.6f;
+                row.fullClamp = row.clamp == 1.0f;
+                Row want = glow;
+                kernels.finishGlow(want.data(), source.data(), want.values(), row);
+                kernels.blendAdd(want.data(), source.data(), want.values(), 1.0f, 1.0f);
+                Row got = glow;
+                kernels.finishAndAddOpaque(got.data(), source.data(), got.values(), row);
+                EXPECT_TRUE(SameBits(got, want));
+            });
+    }
+}
+
 TEST(FrameKernels, ExpandedAndCombinedRowsAreTheirWeightedSums) {
     Random random(6);
     for (std::int32_t taps = 1; taps <= 6; ++taps) {
