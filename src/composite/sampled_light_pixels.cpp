@@ -9,6 +9,7 @@
 #include "composite/brightness_pixels.h"
 #include "glow/resample_pixels.h"
 #include "image/convert_pixels.h"
+#include "image/pixel_format.h"
 #include "image/tolerance.h"
 
 namespace vireon {
@@ -18,6 +19,49 @@ namespace {
 struct SampledColumns {
     std::vector<std::int32_t> positions;
     bool isWholeRow;  // every column from the first on, once and in order
+};
+
+// Float values of one row, worked out by the stages themselves.
+void ShapeInput(const simd::KernelTable& kernels, const SampledLight& light,
+                const FloatImage& input, const FloatImage& map) {
+    const bool singleChannel = light.inputChannels != 0;
+    MapBrightness(input, map, light.inputChannels);
+    if (!NearZero(light.threshold)) {
+        SubtractThreshold(kernels, map, light.threshold, singleChannel);
+    }
+    ShapeLight(kernels, map, light.exponent, light.gain, singleChannel);
+}
+
+// The light of every value of an 8-bit channel, where each channel's light depends on it alone.
+class LightTable {
+  public:
+    LightTable(const simd::KernelTable& kernels, const RasterLayout& source,
+               const SampledLight& light) {
+        isUsed_ = DepthOfFormat(source.formatCode) == kDepth8 && light.inputChannels == 0;
+        if (!isUsed_) return;
+        std::uint8_t bytes[kValues];
+        for (std::int32_t i = 0; i < kValues; ++i) bytes[i] = static_cast<std::uint8_t>(i);
+        RasterLayout layout = source;
+        layout.pixels = bytes;
+        layout.width = kValues / kChannels;
+        layout.height = 1;
+        float values[kValues];
+        const FloatImage input{values, layout.width, 1, 0};
+        ConvertPixelsToFloat(kernels, layout, input);
+        ShapeInput(kernels, light, input, {values_, layout.width, 1, 0});
+    }
+
+    bool isUsed() const { return isUsed_; }
+    void look(const std::byte* pixel, float* to) const {
+        for (std::int32_t c = 0; c < kChannels; ++c) {
+            to[c] = values_[std::to_integer<std::size_t>(pixel[c])];
+        }
+    }
+
+  private:
+    static constexpr std::int32_t kValues = 256;
+    bool isUsed_ = false;
+    float values_[kValues];
 };
 
 // One row of light: the source pixels at some columns of one row, extracted.
@@ -35,17 +79,16 @@ class LightRow {
     std::int32_t sourceRow() const { return sourceRow_; }
 
     void extract(const simd::KernelTable& kernels, const RasterLayout& source,
-                 const SampledLight& light, std::int32_t row, const SampledColumns& columns) {
+                 const SampledLight& light, const LightTable& table, std::int32_t row,
+                 const SampledColumns& columns) {
         sourceRow_ = row;
+        if (table.isUsed()) {
+            lookUp(table, source, row, columns);
+            return;
+        }
         const FloatImage input{input_.data(), width_, 1, 0};
         ConvertPixelsToFloat(kernels, gather(source, row, columns), input);
-        const FloatImage map{light_.data(), width_, 1, 0};
-        const bool singleChannel = light.inputChannels != 0;
-        MapBrightness(input, map, light.inputChannels);
-        if (!NearZero(light.threshold)) {
-            SubtractThreshold(kernels, map, light.threshold, singleChannel);
-        }
-        ShapeLight(kernels, map, light.exponent, light.gain, singleChannel);
+        ShapeInput(kernels, light, input, {light_.data(), width_, 1, 0});
     }
 
   private:
@@ -76,6 +119,19 @@ class LightRow {
             to += bytes;
         }
         return layout;
+    }
+
+    void lookUp(const LightTable& table, const RasterLayout& source, std::int32_t row,
+                const SampledColumns& columns) {
+        constexpr std::byte kBlack[kChannels] = {};
+        const std::byte* from = row < source.height ? source.row(row) : nullptr;
+        float* to = light_.data();
+        for (const std::int32_t column : columns.positions) {
+            const bool inside = from != nullptr && column < source.width;
+            table.look(inside ? from + static_cast<std::ptrdiff_t>(column) * kChannels : kBlack,
+                       to);
+            to += kChannels;
+        }
     }
 
     std::int32_t width_;
@@ -131,10 +187,12 @@ void ExtractSampledLight(const simd::KernelTable& kernels, const RasterLayout& s
     const std::int32_t seconds = pixels == map.width ? 0 : map.width;
     const std::int32_t firstChannel = light.colourOnly ? kRed : kAlpha;
 
+    const LightTable table(kernels, source, light);
+
     LightRow top(pixels, source.bytesPerPixel);
     LightRow bottom(pixels, source.bytesPerPixel);
     const auto extract = [&](LightRow& row, std::int32_t y) {
-        if (row.sourceRow() != y) row.extract(kernels, source, light, y, columns);
+        if (row.sourceRow() != y) row.extract(kernels, source, light, table, y, columns);
     };
     for (std::int32_t y = 0; y < map.height; ++y) {
         const SampleTap& vertical = down[static_cast<std::size_t>(y)];
