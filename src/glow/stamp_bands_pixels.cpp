@@ -299,6 +299,22 @@ std::ptrdiff_t PlaneStride(std::int32_t width) {
     return (blocks | 1) * simd::kPlaneBlock;
 }
 
+std::ptrdiff_t BandStride(std::int32_t width) {
+    constexpr std::ptrdiff_t kBlocksOfPage = 64;
+    constexpr std::ptrdiff_t kRowsApart = 12;
+    constexpr std::ptrdiff_t kBlocksApart = 4;
+    const auto liesApart = [](std::ptrdiff_t blocks) {
+        for (std::ptrdiff_t rows = 1; rows <= kRowsApart; ++rows) {
+            const std::ptrdiff_t place = rows * blocks % kBlocksOfPage;
+            if (std::min(place, kBlocksOfPage - place) < kBlocksApart) return false;
+        }
+        return true;
+    };
+    std::ptrdiff_t blocks = PlaneStride(width) / simd::kPlaneBlock;
+    while (!liesApart(blocks)) ++blocks;
+    return blocks * simd::kPlaneBlock;
+}
+
 std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source) {
     return std::make_unique<CacheForm>(source);
 }

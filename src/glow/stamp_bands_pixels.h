@@ -26,6 +26,11 @@ struct GlowBand {
 /// do not push each other out of the cache.
 std::ptrdiff_t PlaneStride(std::int32_t width);
 
+/// The same of a band, where stamps follow each other closely: rows near each other also lie apart
+/// within a page, for processors take a load for dependent on a store at the same place of another
+/// page.
+std::ptrdiff_t BandStride(std::int32_t width);
+
 /// What the forms work on. All of it outlives them.
 struct StampSource {
     const simd::KernelTable& kernels;

@@ -154,7 +154,7 @@ void StampConvolution::startForms() {
                 continue;
         }
         bands = true;
-        const std::ptrdiff_t stride = PlaneStride(source_.width);
+        const std::ptrdiff_t stride = BandStride(source_.width);
         work.plane.resize(static_cast<std::size_t>(stride * kBandRows));
         work.band.values = work.plane.data();
         work.band.stride = stride;
