@@ -153,6 +153,13 @@ class DirectForm final : public BandForm {
     void step(GlowBand& band, std::int32_t index) override {
         const FloatImage& image = source_.image;
         const std::int32_t y = RowsThatReach(band, source_).first + index;
+        if (source_.census.hasRuns()) {
+            const StampRun* end = source_.census.runsEnd(y);
+            for (const StampRun* run = source_.census.runsBegin(y); run != end; ++run) {
+                addRun(band, y, run->x, run->length, source_.census.sizeOf(*run));
+            }
+            return;
+        }
         for (std::int32_t x = 0; x < image.width;) {
             const StampSize size = sizeAt(x, y);
             if (size.reach == 0) {

@@ -76,11 +76,11 @@ std::int32_t StampCensus::placeOf(StampSize size) {
 }
 
 void StampCensus::dropSizes() {
+    for (StampRun& run : runs_) run.size = std::bit_cast<std::int32_t>(sizeOf(run).scale);
     hasSizes_ = false;
     slots_ = {};
     sizes_ = {};
     dropCorners();
-    dropRuns();
 }
 
 void StampCensus::dropCorners() {
@@ -130,7 +130,6 @@ void StampCensus::addRow(const float* pixels, const std::vector<std::uint8_t>& b
         endRun(run, size);
     }
     ++rows_;
-    if (!hasSizes_) return;
     if (hasRuns_) runRows_.push_back(runs_.size());
     if (!hasCorners_) return;
     std::copy(blocks.begin(), blocks.end(), blocks_.begin());
@@ -145,8 +144,8 @@ void StampCensus::endRun(StampRun& run, StampSize size) {
     runTexels_ += texels;
     largestScale_ = std::max(largestScale_, size.scale);
     largestReach_ = std::max(largestReach_, size.reach);
-    if (!hasSizes_) return;
     if (hasCorners_) std::fill_n(row_.begin() + run.x, run.length, run.size);
+    if (!hasSizes_) run.size = std::bit_cast<std::int32_t>(size.scale);
     if (!hasRuns_) return;
     if (runs_.size() == mostKept_) {
         dropRuns();
@@ -223,6 +222,14 @@ const StampCorner* StampCensus::cornersBegin(std::int32_t y) const {
 const StampCorner* StampCensus::cornersEnd(std::int32_t y) const {
     return corners_.data() + cornerRows_[static_cast<std::size_t>(y) + 1];
 }
+StampSize StampCensus::sizeOf(const StampRun& run) const {
+    if (hasSizes_) return sizes_[static_cast<std::size_t>(run.size)];
+    const auto scale = std::bit_cast<float>(run.size);
+    const std::int32_t limit = splat_.maxRadius;
+    if (scale >= static_cast<float>(limit)) return {scale, limit};
+    return {scale, static_cast<std::int32_t>(scale) + 1};
+}
+
 const StampRun* StampCensus::runsBegin(std::int32_t y) const {
     return runs_.data() + runRows_[static_cast<std::size_t>(y)];
 }

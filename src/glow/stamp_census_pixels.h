@@ -26,7 +26,7 @@ void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std:
 struct StampRun {
     std::int32_t x;
     std::int32_t length;
-    std::int32_t size;  ///< place of its size in the census
+    std::int32_t size;  ///< place of its size in the census, or without sizes its scale's bits
 };
 
 /// Where the areas of one size have a corner: the sum of these, over all corners above and to the
@@ -56,7 +56,7 @@ class StampCensus {
     float largestScale() const { return largestScale_; }
     std::int32_t largestReach() const { return largestReach_; }
 
-    /// Whether the stamps of all sizes fit the cache. Without, there are no sizes, runs or corners.
+    /// Whether the stamps of all sizes fit the cache. Without, there are no sizes and no corners.
     bool hasSizes() const { return hasSizes_; }
     const std::vector<StampSize>& sizes() const { return sizes_; }
     /// Floats that the stamps of all sizes take.
@@ -75,9 +75,10 @@ class StampCensus {
     const StampCorner* cornersEnd(std::int32_t y) const;
 
     /// Whether there are few enough runs to keep them.
-    bool hasRuns() const { return hasSizes_ && hasRuns_; }
+    bool hasRuns() const { return hasRuns_; }
     const StampRun* runsBegin(std::int32_t y) const;
     const StampRun* runsEnd(std::int32_t y) const;
+    StampSize sizeOf(const StampRun& run) const;
 
     /// Give back what a form does not need.
     void dropCorners();

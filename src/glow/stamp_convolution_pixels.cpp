@@ -142,7 +142,9 @@ void StampConvolution::startForms() {
         if (form == ConvolutionForm::kNone) continue;
         const double cost = costOf(*work.census, form);
         totalCost_ += cost;
-        if (form != ConvolutionForm::kCache) work.census->dropRuns();
+        if (form == ConvolutionForm::kRuns || form == ConvolutionForm::kRanges) {
+            work.census->dropRuns();
+        }
         if (form != ConvolutionForm::kRuns) work.census->dropCorners();
         switch (form) {
             case ConvolutionForm::kCache: work.form = MakeCacheForm(sourceOf(c)); break;
