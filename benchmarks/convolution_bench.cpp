@@ -1,11 +1,13 @@
 // The convolution alone, plain and at every level of the machine, one case after the other in one
 // process. `per_texel` is the time over the texels of all stamps, those beyond the image included,
 // whatever the form adds up in their place. Cases that take the plain form minutes are measured on
-// a smaller picture as well.
+// a smaller picture as well. `longest_row_ms` is the longest time between two reports of
+// progress.
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -120,6 +122,7 @@ void Measure(benchmark::State& state, const Case& which, simd::Level level) {
     const Splat splat{&kernel, 0.1f, which.radius, static_cast<std::int32_t>(which.radius + 0.5f)};
     const simd::KernelTable* kernels = simd::KernelsOf(level);
     ConvolutionReport report;
+    double longest = 0.0;
     for (auto _ : state) {
         if (kernels == nullptr) {
             std::fill(glow.values.begin(), glow.values.end(), 0.0f);
@@ -129,7 +132,11 @@ void Measure(benchmark::State& state, const Case& which, simd::Level level) {
         } else {
             StampConvolution stamps(*kernels, source.view(), glow.view(), splat, kColours);
             for (std::int32_t y = 0; y < source.height; ++y) {
+                const auto start = std::chrono::steady_clock::now();
                 stamps.advance(static_cast<double>(y + 1) / source.height);
+                const std::chrono::duration<double, std::milli> row =
+                    std::chrono::steady_clock::now() - start;
+                longest = std::max(longest, row.count());
             }
             report = stamps.report();
         }
@@ -147,6 +154,7 @@ void Measure(benchmark::State& state, const Case& which, simd::Level level) {
     state.counters["per_texel"] = benchmark::Counter(
         texels, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
     if (kernels != nullptr) {
+        state.counters["longest_row_ms"] = longest;
         std::string forms;
         for (std::int32_t c = kRed; c <= kBlue; ++c) {
             forms += std::string(c == kRed ? "" : ", ") + FormName(report.channels[c].form);

@@ -152,7 +152,7 @@ void StampConvolution::startForms() {
             case ConvolutionForm::kRuns: work.form = MakeRunsForm(sourceOf(c)); break;
             default:
                 work.census->dropSizes();
-                work.stepCost = cost / work.census->texels();
+                work.stepCost = cost;
                 continue;
         }
         bands = true;
@@ -253,7 +253,7 @@ void StampConvolution::workOnRanges() {
         }
         ranges_ = std::make_unique<RangesForm>(sourceOf(channel_), destination_);
     }
-    doneCost_ += ranges_->step() * work_[channel_].stepCost;
+    doneCost_ += ranges_->step() / ranges_->totalWork() * work_[channel_].stepCost;
     if (!ranges_->finished()) return;
     ranges_.reset();
     work_[channel_].census.reset();

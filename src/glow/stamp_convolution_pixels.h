@@ -46,7 +46,7 @@ class StampConvolution {
         std::unique_ptr<BandForm> form;
         std::vector<float> plane;
         GlowBand band;
-        double stepCost = 0.0;  ///< of a step, or of a texel of ranges
+        double stepCost = 0.0;  ///< of a step, or of all ranges
     };
 
     StampSource sourceOf(std::int32_t channel) const;

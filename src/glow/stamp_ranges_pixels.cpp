@@ -21,6 +21,10 @@ constexpr double kTexelsInPlane = 40.0;
 // Texels of one step.
 constexpr double kTexelsOfStep = 2e6;
 
+// Pixels that are read in one step, and what one costs in texels.
+constexpr double kPixelsOfStep = 262144.0;
+constexpr double kTexelsPerPixelRead = 10.0;
+
 // Where a column or row of the stamp lies on the kernel, as a line over q.
 struct Line {
     std::int32_t first;
@@ -98,14 +102,18 @@ StampSize RangesForm::sizeOf(const Record& record) const {
 }
 
 double RangesForm::step() {
+    if (loading_) return load();
     if (next_ == records_.size()) {
         if (nextRow_ == source_.image.height) {
             flush();
             finished_ = true;
-        } else {
-            load();
+            return 0.0;
         }
-        return 0.0;
+        records_.clear();
+        next_ = groupEnd_ = 0;
+        firstRow_ = nextRow_;
+        loading_ = true;
+        return load();
     }
     if (next_ == groupEnd_) chooseGroup();
     const auto width = static_cast<std::uint32_t>(source_.image.width);
@@ -128,14 +136,21 @@ double RangesForm::step() {
     return texels;
 }
 
-void RangesForm::load() {
-    records_.clear();
-    next_ = groupEnd_ = 0;
-    firstRow_ = nextRow_;
+double RangesForm::totalWork() const {
+    return source_.census.texels() +
+           kTexelsPerPixelRead * source_.image.width * static_cast<double>(source_.image.height);
+}
+
+// Reads rows until the records are full, some pixels at a time, then orders them.
+double RangesForm::load() {
     const std::int32_t width = source_.image.width;
     constexpr std::int64_t kMostPixels = std::int64_t{1} << 31;
-    while (nextRow_ < source_.image.height && records_.size() < kMostRecords &&
-           static_cast<std::int64_t>(nextRow_ + 1 - firstRow_) * width <= kMostPixels) {
+    const auto isFull = [&] {
+        return nextRow_ == source_.image.height || records_.size() >= kMostRecords ||
+               static_cast<std::int64_t>(nextRow_ + 1 - firstRow_) * width > kMostPixels;
+    };
+    double pixels = 0.0;
+    while (!isFull() && pixels < kPixelsOfStep) {
         const float* value = source_.image.row(nextRow_) + source_.channel;
         auto position =
             static_cast<std::uint32_t>(nextRow_ - firstRow_) * static_cast<std::uint32_t>(width);
@@ -145,8 +160,13 @@ void RangesForm::load() {
             records_.push_back({std::bit_cast<std::uint32_t>(size.scale), position});
         }
         ++nextRow_;
+        pixels += width;
     }
-    sort();
+    if (isFull()) {
+        sort();
+        loading_ = false;
+    }
+    return pixels * kTexelsPerPixelRead;
 }
 
 // By scale, then by place. Positive floats are in the order of their bits.

@@ -27,8 +27,10 @@ class RangesForm {
 
     bool finished() const { return finished_; }
     /// Does some work, texels that take about a millisecond at most unless a single stamp has more.
-    /// \return how many texels were added
+    /// \return how much was done of `totalWork`
     double step();
+    /// In texels that are added; reading the source counts for some.
+    double totalWork() const;
 
     /// Stamps that are ordered at a time.
     static constexpr std::size_t kMostRecords = std::size_t{1} << 17;
@@ -43,7 +45,7 @@ class RangesForm {
     };
     enum class Kind { kSingle, kShared, kQuadratic };
 
-    void load();
+    double load();
     void sort();
     void chooseGroup();
     void makeQuadratic(double low, double high);
@@ -76,6 +78,7 @@ class RangesForm {
     std::int32_t touchedTop_;
     std::int32_t touchedBottom_ = 0;
     double texelsInPlane_ = 0.0;
+    bool loading_ = false;
     bool finished_ = false;
 };
 
