@@ -69,6 +69,8 @@ const std::map<Slot, Answer>& Answers() {
 
 enum class Content {
     kLight,    ///< nothing but the input, at full resolution
+    kReduced,  ///< the same at a quarter of the resolution
+    kMasked,   ///< at full resolution in a mask, which takes working rasters of full size
     kLayers,   ///< mask, glow and shape layer, at a quarter of the resolution
     kPlaced,   ///< an input smaller than the layer
     kMapView,  ///< the brightness map instead of the picture, with a mask layer
@@ -76,14 +78,20 @@ enum class Content {
     kInvisible,  ///< a glow of no opacity: the input is handed on
     kNoInput,    ///< nothing to read: the output is cleared
 };
-constexpr Content kContents[] = {Content::kLight,   Content::kLayers,   Content::kPlaced,
-                                 Content::kMapView, Content::kMaskView, Content::kInvisible,
-                                 Content::kNoInput};
+constexpr Content kContents[] = {
+    Content::kLight,   Content::kReduced,  Content::kMasked,    Content::kLayers,  Content::kPlaced,
+    Content::kMapView, Content::kMaskView, Content::kInvisible, Content::kNoInput,
+};
 
 Scene SceneOf(Content content) {
     Scene scene = PlainScene();
     scene.input = TransparentPicture(24, 16);
     scene.controls.glowRadius = 4;
+    if (content == Content::kReduced) {
+        scene.controls.quality = 3;
+        scene.controls.glowRadius = 9;
+    }
+    scene.controls.enableMask = content == Content::kMasked;
     if (content == Content::kLayers) {
         scene.maskLayer = AlphaPicture(24, 16);
         scene.glowLayer = OpaquePicture(20, 18);
