@@ -6,9 +6,16 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "benchmarks/bench_host.h"
+#include "benchmarks/memory_host.h"
+#include "benchmarks/speed_stages.h"
+#include "composite/sampled_light_pixels.h"
+#include "glow/convolution_report.h"
+#include "glow/stamp_convolution_pixels.h"
 #include "headless/host.h"
+#include "image/pixel_format.h"
 #include "shapes/shape_library.h"
 #include "tools/scenes/scenes.h"
 
@@ -23,6 +30,8 @@ using scenes::LightRange;
 
 constexpr int kWidth = 1920;
 constexpr int kHeight = 1080;
+/// Of the default quality.
+constexpr std::int32_t kReduction = 4;
 /// A frame of four times the area may take that much and some more for the caches.
 constexpr double kMostGrowth = 4.5;
 
@@ -138,6 +147,42 @@ class Libraries {
     std::map<simd::Level, headless::EffectLibrary> libraries_;
 };
 
+/// The forms that the convolution of such a frame takes: what the library does with it, done here
+/// where it can be asked.
+std::string FormsOfFrame(const World& layer, const simd::KernelTable& kernels) {
+    RasterLayout source;
+    source.pixels = layer.record().data;
+    source.formatCode = layer.depth() == Depth::k8 ? kFormat8 : kFormatFloat;
+    source.width = layer.width();
+    source.height = layer.height();
+    source.rowBytes = layer.record().rowbytes;
+    source.bytesPerPixel = BytesPerPixel(DepthOfFormat(source.formatCode));
+
+    const std::int32_t width = source.width / kReduction;
+    const std::int32_t height = source.height / kReduction;
+    std::vector<float> light(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) *
+                             kChannels);
+    std::vector<float> glow(light.size());
+    const std::ptrdiff_t rowBytes =
+        static_cast<std::ptrdiff_t>(width) * kChannels * static_cast<std::ptrdiff_t>(sizeof(float));
+    const FloatImage map{light.data(), width, height, rowBytes};
+    const SampledLight extraction{
+        source.width, source.height, 0, 0.5f, 1.5f, 1.0f, LightSampling::kBilinear, false};
+    ExtractSampledLight(kernels, source, extraction, map);
+
+    MemoryHost host;
+    LoadShapesOnce(host);
+    constexpr std::int32_t kRadius = 100 / kReduction;
+    const Splat splat{LibraryShape(0), 0.1f, static_cast<float>(kRadius), kRadius};
+    if (splat.kernel == nullptr || !splat.kernel->hasTexels()) return {};
+    ChannelFlags channels;
+    channels.enabled[kAlpha] = layer.color(0, 0).alpha < 1.0f;
+    StampConvolution convolution(kernels, map, {glow.data(), width, height, rowBytes}, splat,
+                                 channels);
+    convolution.advance(1.0);
+    return FormsOf(convolution.report());
+}
+
 struct Case {
     const char* name;
     std::optional<double> required;
@@ -160,6 +205,7 @@ class FrameTable {
         row.oursMs = pair.second;
         row.requiredRatio = frame.required;
         row.level = simd::LevelName(frame.level);
+        row.form = FormsOfFrame(*layer, *simd::KernelsOf(frame.level));
         row.plainPeakBytes = plain.peakBytes();
         row.oursPeakBytes = ours.peakBytes();
         if (options_.onRow) options_.onRow(row);
@@ -218,8 +264,7 @@ std::vector<SpeedRow> MeasureFrames(const FrameOptions& options,
     remarks.emplace_back(text);
     remarks.emplace_back(
         "Frames are 1920x1080 unless named otherwise, at the effect's default settings: radius "
-        "100, "
-        "quality 4:1, all four channels. Peaks are host memory in use at once.");
+        "100, quality 4:1, all four channels. Peaks are host memory in use at once.");
     return table.take();
 }
 

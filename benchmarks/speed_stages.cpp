@@ -118,14 +118,6 @@ struct Convolution {
     bool showTexels = false;
 };
 
-/// The forms of the three colours, once where they are the same.
-std::string FormsOf(const ConvolutionReport& report) {
-    const std::string red = FormName(report.channels[kRed].form);
-    const std::string green = FormName(report.channels[kGreen].form);
-    const std::string blue = FormName(report.channels[kBlue].form);
-    return red == green && green == blue ? red : red + "/" + green + "/" + blue;
-}
-
 double TexelsOf(const ConvolutionReport& report) {
     double texels = 0.0;
     for (const auto& channel : report.channels) texels += channel.texels;
@@ -272,6 +264,19 @@ std::vector<SpeedRow> MeasureStages(const StageOptions& options,
         "Convolutions add up the three colours; 4:1 means 480x270 pixels and a quarter of the "
         "radius. Widening and blur are 1920x1080, rows and columns.");
     return table.take();
+}
+
+std::string FormsOf(const ConvolutionReport& report) {
+    std::string forms;
+    std::string last;
+    for (const std::int32_t c : {kRed, kGreen, kBlue, kAlpha}) {
+        const std::string form = FormName(report.channels[c].form);
+        const bool isOff = report.channels[c].form == ConvolutionForm::kNone;
+        if (form == last || isOff) continue;
+        forms += (forms.empty() ? "" : ", ") + form;
+        last = form;
+    }
+    return forms.empty() ? FormName(ConvolutionForm::kNone) : forms;
 }
 
 }  // namespace vireon::bench

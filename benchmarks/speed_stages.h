@@ -8,6 +8,10 @@
 #include "benchmarks/speed_table.h"
 #include "simd/level.h"
 
+namespace vireon {
+struct ConvolutionReport;
+}
+
 namespace vireon::bench {
 
 struct StageOptions {
@@ -20,5 +24,9 @@ struct StageOptions {
 /// pictures in memory. Throws std::exception when a stage fails.
 /// \param remarks  gets what is to be said about several rows
 std::vector<SpeedRow> MeasureStages(const StageOptions& options, std::vector<std::string>& remarks);
+
+/// The forms that a convolution's channels took, red first, once where neighbours are the same;
+/// channels without light are left out.
+std::string FormsOf(const ConvolutionReport& report);
 
 }  // namespace vireon::bench

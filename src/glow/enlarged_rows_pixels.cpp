@@ -9,6 +9,12 @@
 #include "simd/kernel_table.h"
 
 namespace vireon {
+namespace {
+
+// Below every sum of floats.
+constexpr double kSmallestSum = -1e300;
+
+}  // namespace
 
 EnlargementTaps MakeEnlargementTaps(std::int32_t size, std::int32_t sourceSize,
                                     std::int32_t radius) {
@@ -45,6 +51,7 @@ EnlargedRows::EnlargedRows(const simd::KernelTable& kernels, const FloatImage& s
       height_(height),
       across_(MakeEnlargementTaps(width, source.width, radius)),
       down_(MakeEnlargementTaps(height, source.height, radius)),
+      factor_(1.0 / (across_.divisor * down_.divisor)),
       ring_(static_cast<std::size_t>(down_.count)),
       rows_(ring_.size()),
       at_(ring_.size()) {
@@ -92,10 +99,21 @@ void EnlargedRows::read(std::int32_t x, std::int32_t y, std::int32_t pixels, flo
     for (std::size_t t = 0; t < rows_.size(); ++t) {
         at_[t] = rows_[t] + static_cast<std::ptrdiff_t>(x) * kChannels;
     }
-    const double* weights =
-        down_.weights.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(down_.count);
-    kernels_.frame.combineRows(at_.data(), weights, down_.count,
-                               1.0 / (across_.divisor * down_.divisor), to, values);
+    kernels_.frame.combineRows(at_.data(), weightsOf(y), down_.count, factor_, to, values);
+}
+
+float EnlargedRows::largestColour(std::int32_t y, float largest) const {
+    if (allZero_) return std::max(largest, 0.0f);
+    // Scaling and rounding keep the order of values, so the largest sum makes the largest value.
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(width_) * kChannels;
+    const double sum = kernels_.frame.largestCombined(rows_.data(), weightsOf(y), down_.count,
+                                                      values, kSmallestSum);
+    return std::max(largest, static_cast<float>(sum * factor_));
+}
+
+const double* EnlargedRows::weightsOf(std::int32_t y) const {
+    return down_.weights.data() +
+           static_cast<std::size_t>(y) * static_cast<std::size_t>(down_.count);
 }
 
 }  // namespace vireon

@@ -47,12 +47,16 @@ class EnlargedRows {
     /// Writes `pixels` pixels from (x, y) on to `to`; row `y` must be prepared.
     void read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to);
 
+    /// The larger of `largest` and every colour of a prepared row.
+    float largestColour(std::int32_t y, float largest) const;
+
   private:
     struct ExpandedRow {
         std::int32_t sourceRow = -1;
         bool isZero = false;
         std::vector<double> values;
     };
+    const double* weightsOf(std::int32_t y) const;
     const ExpandedRow& expanded(std::int32_t sourceRow);
 
     const simd::KernelTable& kernels_;
@@ -61,6 +65,7 @@ class EnlargedRows {
     std::int32_t height_;
     EnlargementTaps across_;
     EnlargementTaps down_;
+    double factor_;
     std::vector<ExpandedRow> ring_;
     std::vector<const double*> rows_;  ///< the prepared rows' sources, a tap each
     std::vector<const double*> at_;    ///< the same from one column on

@@ -107,17 +107,25 @@ class GlowRows {
     virtual std::int32_t prepare(std::int32_t y) = 0;
     // Writes pixels from (x, y) on to `to`.
     virtual void read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to) = 0;
+    // The larger of `largest` and every colour of a row that is readable.
+    virtual float largestColour(std::int32_t y, float largest) = 0;
 };
 
 class ImageRows final : public GlowRows {
   public:
-    explicit ImageRows(const FloatImage& image) : image_(image) {}
+    ImageRows(const simd::KernelTable& kernels, const FloatImage& image)
+        : kernels_(kernels), image_(image) {}
     std::int32_t prepare(std::int32_t) override { return 1; }
     void read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to) override {
         std::copy_n(image_.pixel(x, y), static_cast<std::ptrdiff_t>(pixels) * kChannels, to);
     }
+    float largestColour(std::int32_t y, float largest) override {
+        return kernels_.frame.largestColour(
+            image_.row(y), static_cast<std::ptrdiff_t>(image_.width) * kChannels, largest);
+    }
 
   private:
+    const simd::KernelTable& kernels_;
     FloatImage image_;
 };
 
@@ -127,6 +135,9 @@ class EnlargedGlowRows final : public GlowRows {
     std::int32_t prepare(std::int32_t y) override { return rows_.prepare(y); }
     void read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to) override {
         rows_.read(x, y, pixels, to);
+    }
+    float largestColour(std::int32_t y, float largest) override {
+        return rows_.largestColour(y, largest);
     }
 
   private:
@@ -167,16 +178,15 @@ GlowRange RangeOf(const simd::KernelTable& kernels, const FloatImage& glow) {
 }
 
 // The largest colour of the finished glow, or 2 or more: what lies above 2 bends like 2.
-float LargestOfRows(const simd::KernelTable& kernels, GlowRows& rows, std::int32_t width,
-                    std::int32_t height) {
-    std::vector<float> glow(static_cast<std::size_t>(kSpan) * kChannels);
+float LargestOfRows(GlowRows& rows, std::int32_t height) {
     float largest = 0.0f;
-    ForEachSpan(rows, width, height, [&](std::int32_t x, std::int32_t y, std::int32_t pixels) {
-        if (largest >= 2.0f) return;
-        rows.read(x, y, pixels, glow.data());
-        largest = kernels.frame.largestColour(
-            glow.data(), static_cast<std::ptrdiff_t>(pixels) * kChannels, largest);
-    });
+    for (std::int32_t y = 0; y < height;) {
+        const std::int32_t end = y + rows.prepare(y);
+        for (; y < end; ++y) {
+            largest = rows.largestColour(y, largest);
+            if (largest >= 2.0f) return largest;
+        }
+    }
     return largest;
 }
 
@@ -352,7 +362,7 @@ std::int32_t RenderFusedFrame(PluginHost_API& host, const simd::KernelTable& ker
     std::unique_ptr<GlowRows> rows;
     ScopedRaster enlarged;
     if (quality == 0) {
-        rows = std::make_unique<ImageRows>(small);
+        rows = std::make_unique<ImageRows>(kernels, small);
     } else if (range.finite) {
         rows =
             std::make_unique<EnlargedGlowRows>(EnlargedRows(kernels, small, width, height, radius));
@@ -364,14 +374,14 @@ std::int32_t RenderFusedFrame(PluginHost_API& host, const simd::KernelTable& ker
             const std::int32_t result = BlurRaster(host, *enlarged, radius, settings, false);
             if (result != kSuccess) return result;
         }
-        rows = std::make_unique<ImageRows>(ViewRaster(host, *enlarged));
+        rows = std::make_unique<ImageRows>(kernels, ViewRaster(host, *enlarged));
     }
 
     simd::GlowRowSettings passes = PassesOf(settings, opaque);
     // Smoothing weighs its samples with positive weights whose sum is 1: it makes no value larger.
     const bool mayExceed = !range.finite || range.largest > 1.0f;
     if (settings.preventOverbrights && mayExceed) {
-        SetSoftClip(passes, settings, LargestOfRows(kernels, *rows, width, height));
+        SetSoftClip(passes, settings, LargestOfRows(*rows, height));
     }
     WriteFrame(kernels, layouts, *rows, SpanFinisher(host, kernels, settings, passes));
     return kSuccess;

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "glow/convolution_report_pixels.h"
+#include "glow/convolution_report.h"
 #include "simd/level.h"
 
 namespace vireon {

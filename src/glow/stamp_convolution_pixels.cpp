@@ -9,8 +9,8 @@
 namespace vireon {
 namespace {
 
-// Rows of a band: all channels of it stay in a processor's own cache.
-constexpr std::int32_t kBandRows = 64;
+// Of a band of one channel: all channels of it stay in a processor's own cache.
+constexpr std::ptrdiff_t kBandBytes = 512 * 1024;
 
 // Looking at the source is done by this share of the whole.
 constexpr double kCensusShare = 1.0 / 16.0;
@@ -135,6 +135,10 @@ double StampConvolution::costOf(const StampCensus& census, ConvolutionForm form)
 
 void StampConvolution::startForms() {
     const double pixels = static_cast<double>(source_.width) * source_.height;
+    const std::ptrdiff_t stride = BandStride(source_.width);
+    const std::ptrdiff_t strideBytes = stride * static_cast<std::ptrdiff_t>(sizeof(float));
+    bandRows_ = static_cast<std::int32_t>(
+        std::clamp<std::ptrdiff_t>(kBandBytes / strideBytes, 1, source_.height));
     bool bands = false;
     for (std::int32_t c = 0; c < kChannels; ++c) {
         ChannelWork& work = work_[c];
@@ -156,21 +160,20 @@ void StampConvolution::startForms() {
                 continue;
         }
         bands = true;
-        const std::ptrdiff_t stride = BandStride(source_.width);
-        work.plane.resize(static_cast<std::size_t>(stride * kBandRows));
+        work.plane.resize(static_cast<std::size_t>(stride * bandRows_));
         work.band.values = work.plane.data();
         work.band.stride = stride;
         work.band.width = source_.width;
         double steps = 0.0;
-        for (std::int32_t y = 0; y < source_.height; y += kBandRows) {
+        for (std::int32_t y = 0; y < source_.height; y += bandRows_) {
             work.band.firstRow = y;
-            work.band.rows = std::min(kBandRows, source_.height - y);
+            work.band.rows = std::min(bandRows_, source_.height - y);
             steps += work.form->steps(work.band);
         }
         work.stepCost = cost / steps;
     }
     if (bands) {
-        writeCost_ = kWriteCost * pixels * kBandRows / source_.height;
+        writeCost_ = kWriteCost * pixels * bandRows_ / source_.height;
         totalCost_ += kWriteCost * pixels;
         startBand(0);
     } else {
@@ -186,7 +189,7 @@ void StampConvolution::startBand(std::int32_t firstRow) {
     for (ChannelWork& work : work_) {
         if (!work.form) continue;
         work.band.firstRow = firstRow;
-        work.band.rows = std::min(kBandRows, source_.height - firstRow);
+        work.band.rows = std::min(bandRows_, source_.height - firstRow);
         if (work.band.touched) std::fill(work.plane.begin(), work.plane.end(), 0.0f);
         work.band.touched = false;
     }
@@ -196,8 +199,8 @@ void StampConvolution::workOnBands() {
     if (channel_ == kChannels) {
         writeBand();
         doneCost_ += writeCost_;
-        if (bandRow_ + kBandRows < source_.height) {
-            startBand(bandRow_ + kBandRows);
+        if (bandRow_ + bandRows_ < source_.height) {
+            startBand(bandRow_ + bandRows_);
             return;
         }
         bandsDone_ = true;
@@ -221,7 +224,7 @@ void StampConvolution::workOnBands() {
 
 // Channels of other forms become 0.
 void StampConvolution::writeBand() {
-    const std::int32_t rows = std::min(kBandRows, source_.height - bandRow_);
+    const std::int32_t rows = std::min(bandRows_, source_.height - bandRow_);
     for (std::int32_t y = bandRow_; y < bandRow_ + rows; ++y) {
         const float* planes[kChannels];
         for (std::int32_t c = 0; c < kChannels; ++c) {

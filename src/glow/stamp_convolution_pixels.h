@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "glow/convolution_report_pixels.h"
+#include "glow/convolution_report.h"
 #include "glow/stamp_bands_pixels.h"
 #include "glow/stamp_census_pixels.h"
 #include "glow/stamp_ranges_pixels.h"
@@ -76,6 +76,7 @@ class StampConvolution {
     bool bandsDone_ = false;
     bool rangesDone_ = false;
     std::int32_t bandRow_ = 0;
+    std::int32_t bandRows_ = 0;
     std::int32_t channel_ = 0;
     std::int32_t step_ = 0;
     double writeCost_ = 0.0;

@@ -48,6 +48,11 @@ struct FrameKernels {
     void (*combineRows)(const double* const* rows, const double* weights, std::int32_t taps,
                         double factor, float* to, std::ptrdiff_t values);
 
+    /// The larger of `largest` and every colour of (sum over t < taps of weights[t] x rows[t][i]),
+    /// in order of t; all sums must be finite.
+    double (*largestCombined)(const double* const* rows, const double* weights, std::int32_t taps,
+                              std::ptrdiff_t values, double largest);
+
     /// The larger of `largest` and every colour of the row; NaN is passed over.
     float (*largestColour)(const float* row, std::ptrdiff_t values, float largest);
 

@@ -139,6 +139,29 @@ TEST(EnlargedRows, HoldForLargeOddSizesAndEveryRadius) {
     }
 }
 
+TEST(EnlargedRows, TheLargestColourOfARowIsThatOfItsPixels) {
+    Random random(23);
+    for (const float low : {-3.0f, 0.0f}) {
+        Picture small(11, 7);
+        small.randomize(random, low, low + 2.5f);
+        for (const simd::Level level : KernelLevels()) {
+            EnlargedRows rows(*simd::KernelsOf(level), small.view(), 45, 31, 4);
+            const Picture picture = ReadAll(rows, {45, 31}, 8);
+            for (std::int32_t y = 0; y < 31; ++y) {
+                rows.prepare(y);
+                float want = -100.0f;
+                for (std::int32_t x = 0; x < 45; ++x) {
+                    for (std::int32_t c = kRed; c <= kBlue; ++c) {
+                        want = std::max(want, picture.at(x, y, c));
+                    }
+                }
+                EXPECT_EQ(rows.largestColour(y, -100.0f), want) << simd::LevelName(level);
+                EXPECT_EQ(rows.largestColour(y, 100.0f), 100.0f);
+            }
+        }
+    }
+}
+
 TEST(EnlargedRows, FlatImagesStayFlatToTheBit) {
     Picture small(12, 9);
     small.fill(0.7f);

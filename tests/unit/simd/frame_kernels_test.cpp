@@ -430,6 +430,18 @@ TEST(FrameKernels, ExpandedAndCombinedRowsAreTheirWeightedSums) {
                 want.data()[i] = static_cast<float>(sum * 0.125);
             }
             EXPECT_TRUE(SameBits(combined, want));
+
+            double largest = -50.0;
+            for (std::size_t i = 0; i < values; ++i) {
+                double sum = weights[0] * to[i];
+                for (std::int32_t t = 1; t < taps; ++t) {
+                    sum += weights[static_cast<std::size_t>(t)] * to[i];
+                }
+                if (i % kChannels != 0) largest = std::max(largest, sum);
+            }
+            EXPECT_EQ(kernels.largestCombined(rows.data(), weights.data(), taps,
+                                              static_cast<std::ptrdiff_t>(values), -50.0),
+                      largest);
         });
     }
 }

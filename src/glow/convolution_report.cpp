@@ -1,4 +1,4 @@
-#include "glow/convolution_report_pixels.h"
+#include "glow/convolution_report.h"
 
 namespace vireon {
 
