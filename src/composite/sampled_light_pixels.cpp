@@ -36,8 +36,8 @@ void ShapeInput(const simd::KernelTable& kernels, const SampledLight& light,
 class LightTable {
   public:
     LightTable(const simd::KernelTable& kernels, const RasterLayout& source,
-               const SampledLight& light) {
-        isUsed_ = DepthOfFormat(source.formatCode) == kDepth8 && light.inputChannels == 0;
+               const SampledLight& light)
+        : isUsed_(DepthOfFormat(source.formatCode) == kDepth8 && light.inputChannels == 0) {
         if (!isUsed_) return;
         std::uint8_t bytes[kValues];
         for (std::int32_t i = 0; i < kValues; ++i) bytes[i] = static_cast<std::uint8_t>(i);
@@ -60,7 +60,7 @@ class LightTable {
 
   private:
     static constexpr std::int32_t kValues = 256;
-    bool isUsed_ = false;
+    bool isUsed_;
     float values_[kValues];
 };
 

@@ -188,7 +188,8 @@ class DirectForm final : public BandForm {
         const std::int32_t last = std::min(size.reach, band.width - 1 - x);
         const std::int32_t columns = last - first + 1;
         texels_.select(size, first, last);
-        row_.assign(static_cast<std::size_t>(columns + 2 * kStampMargin), 0.0f);
+        const std::int32_t floats = columns + 2 * kStampMargin;
+        row_.assign(static_cast<std::size_t>(floats), 0.0f);
         simd::StampSpan span{};
         span.texels = row_.data() + kStampMargin;
         span.rows = 1;

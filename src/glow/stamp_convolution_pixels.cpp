@@ -10,7 +10,7 @@ namespace vireon {
 namespace {
 
 // Of a band of one channel: all channels of it stay in a processor's own cache.
-constexpr std::ptrdiff_t kBandBytes = 512 * 1024;
+constexpr std::ptrdiff_t kBandBytes = 524288;
 
 // Looking at the source is done by this share of the whole.
 constexpr double kCensusShare = 1.0 / 16.0;

@@ -313,7 +313,8 @@ void RangesForm::addSingle(std::int32_t x, std::int32_t y, StampSize size) {
     const std::int32_t first = std::max(-size.reach, -x);
     const std::int32_t last = std::min(size.reach, destination_.width - 1 - x);
     texels_.select(size, first, last);
-    row_.assign(static_cast<std::size_t>(last - first + 1 + 2 * kStampMargin), 0.0f);
+    const std::int32_t floats = last - first + 1 + 2 * kStampMargin;
+    row_.assign(static_cast<std::size_t>(floats), 0.0f);
     simd::StampSpan span{};
     span.texels = row_.data() + kStampMargin;
     span.rows = 1;

@@ -17,7 +17,8 @@ StampTexels::StampTexels(const simd::KernelTable& kernels, const Splat& splat)
 void StampTexels::select(StampSize size, std::int32_t first, std::int32_t last) {
     const StampAxis across(splat_.kernel->width, size.scale);
     down_ = StampAxis(splat_.kernel->height, size.scale);
-    const auto count = static_cast<std::size_t>(last - first + 1);
+    const std::int32_t columns = last - first + 1;
+    const auto count = static_cast<std::size_t>(columns);
     left_.resize(count);
     right_.resize(count);
     fractions_.resize(count);
