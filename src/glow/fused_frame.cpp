@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <new>
 #include <optional>
 #include <vector>
 
@@ -294,30 +295,9 @@ void WriteFrame(const simd::KernelTable& kernels, const FrameLayouts& layouts, G
     });
 }
 
-}  // namespace
-
-bool CanFuseStages(PluginHost_API& host, const GlowSettings& settings) {
-    if (settings.view != kViewOutput || !IsInputChannelsChoice(settings.inputChannels))
-        return false;
-    if (settings.enableMask || settings.fastSplat) return false;
-    if (!NearZero(settings.blurInput * settings.glowRadius)) return false;
-    if (settings.driverFlag && settings.pipelineMode != 1) return false;
-    if (NearZero(static_cast<float>(settings.glowOpacity * 0.01))) return false;
-
-    const bool ownCompositor = !host.isApplication(kAfterEffects);
-    return !host.alphaIsUndefined() && !host.alphaIsIgnored() && !host.isPremultiplied() &&
-           !host.compositesItself() && (ownCompositor || !host.offersTransfer());
-}
-
-bool CanFusePixels(const FrameLayouts& layouts) {
-    return IsReadable(layouts.source) && IsReadable(layouts.input) && IsReadable(layouts.output) &&
-           layouts.source.formatCode == layouts.input.formatCode &&
-           !Overlap(layouts.output, layouts.input) && !Overlap(layouts.output, layouts.source);
-}
-
-std::int32_t RenderFusedFrame(PluginHost_API& host, const simd::KernelTable& kernels,
-                              GlowSettings& settings, const FrameLayouts& layouts,
-                              const GlowKernel& shape, PluginRaster_API& output) {
+std::int32_t RenderRows(PluginHost_API& host, const simd::KernelTable& kernels,
+                        GlowSettings& settings, const FrameLayouts& layouts,
+                        const GlowKernel& shape, PluginRaster_API& output) {
     const std::int32_t width = layouts.input.width;
     const std::int32_t height = layouts.input.height;
     const std::int32_t quality = EffectiveQuality(settings, width, height);
@@ -385,6 +365,40 @@ std::int32_t RenderFusedFrame(PluginHost_API& host, const simd::KernelTable& ker
     }
     WriteFrame(kernels, layouts, *rows, SpanFinisher(host, kernels, settings, passes));
     return kSuccess;
+}
+
+}  // namespace
+
+bool CanFuseStages(PluginHost_API& host, const GlowSettings& settings) {
+    if (settings.view != kViewOutput || !IsInputChannelsChoice(settings.inputChannels))
+        return false;
+    if (settings.enableMask || settings.fastSplat) return false;
+    if (!NearZero(settings.blurInput * settings.glowRadius)) return false;
+    if (settings.driverFlag && settings.pipelineMode != 1) return false;
+    if (NearZero(static_cast<float>(settings.glowOpacity * 0.01))) return false;
+
+    const bool ownCompositor = !host.isApplication(kAfterEffects);
+    return !host.alphaIsUndefined() && !host.alphaIsIgnored() && !host.isPremultiplied() &&
+           !host.compositesItself() && (ownCompositor || !host.offersTransfer());
+}
+
+bool CanFusePixels(const FrameLayouts& layouts) {
+    return IsReadable(layouts.source) && IsReadable(layouts.input) && IsReadable(layouts.output) &&
+           layouts.source.formatCode == layouts.input.formatCode &&
+           !Overlap(layouts.output, layouts.input) && !Overlap(layouts.output, layouts.source);
+}
+
+std::int32_t RenderFusedFrame(PluginHost_API& host, const simd::KernelTable& kernels,
+                              GlowSettings& settings, const FrameLayouts& layouts,
+                              const GlowKernel& shape, PluginRaster_API& output) {
+    try {
+        return RenderRows(host, kernels, settings, layouts, shape, output);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (...) {
+        // As in `RenderGlow`, what the host threw ends the render; the rasters are released by now.
+        return kSuccess;
+    }
 }
 
 }  // namespace vireon

@@ -18,7 +18,7 @@ struct GlowRowSettings {
     bool fullClamp;         ///< the bend alone counts
 };
 
-/// Rows of whole frames. Pixels are four floats, alpha first; rows need no alignment and must not
+/// Rows of whole frames. Pixels are four channels, alpha first; rows need no alignment and must not
 /// overlap. `values` counts channels, four a pixel. Every kernel gives the bits of the plain
 /// definition that it is named after.
 struct FrameKernels {

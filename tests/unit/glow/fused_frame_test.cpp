@@ -312,6 +312,29 @@ TEST(FusedFrame, WithoutMemoryForAWorkingRasterTheOutputIsCleared) {
     }
 }
 
+TEST(FusedFrame, WhatTheHostThrowsEndsTheRenderWithEverythingReturned) {
+    const Frame frame(20, 16, kFormat8, true);
+    for (const std::string_view operation : {"isHighQuality", "newWorld", "rasterLayout"}) {
+        FakeHost host;
+        host.application = kAfterEffects;
+        bool thrown = false;
+        host.onCall = [&](std::string_view call) {
+            if (call != operation) return;
+            thrown = true;
+            throw std::runtime_error("no answer");
+        };
+        Frame own(frame);
+        Picture hostOutput(1, 1);
+        GlowSettings settings = Settings(kAddChoice, 2);
+        EXPECT_EQ(RenderFusedFrame(host, *simd::KernelsOf(simd::Level::kSse2), settings,
+                                   own.layouts(), TestKernel(), hostOutput),
+                  0);
+        EXPECT_TRUE(thrown) << operation;
+        EXPECT_EQ(own.output.bytes(), frame.output.bytes());
+        EXPECT_TRUE(EverythingReturned(host)) << operation;
+    }
+}
+
 TEST(CanFuseStages, RefusesWhateverNeedsFullSizeStages) {
     const auto refused = [](auto&& change) {
         FakeHost host;
