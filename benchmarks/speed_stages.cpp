@@ -200,8 +200,7 @@ class StageTable {
                     TentBlurRGB(scratch, image, radius, kAlongColumns);
                 }),
                 stage([&](const FloatImage& image) {
-                    TentBlurRGB(*kernels_, image, scratch, radius, kAlongRows);
-                    TentBlurRGB(*kernels_, scratch, image, radius, kAlongColumns);
+                    TentBlur(*kernels_, image, scratch, radius, {{false, true, true, true}});
                 }));
         add(std::move(row));
     }

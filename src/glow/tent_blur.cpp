@@ -25,6 +25,12 @@ std::int32_t RadiusFromSettings(PluginHost_API& host, const FloatImage& image,
 
 enum class BlurredChannels { kRgb, kRgba, kAlpha };
 
+ChannelFlags FlagsOf(BlurredChannels channels) {
+    const bool alpha = channels != BlurredChannels::kRgb;
+    const bool colours = channels != BlurredChannels::kAlpha;
+    return {{alpha, colours, colours, colours}};
+}
+
 void BlurPass(const FloatImage& source, const FloatImage& destination, std::int32_t radius,
               BlurredChannels channels, std::int32_t direction) {
     if (const simd::KernelTable* kernels = simd::ActiveKernels()) {
@@ -82,6 +88,10 @@ std::int32_t BlurRaster(PluginHost_API& host, PluginRaster_API& raster,
                                      : settings.outputAlpha || settings.fastSplat
                                          ? BlurredChannels::kRgba
                                          : BlurredChannels::kRgb;
+    const simd::KernelTable* kernels = simd::ActiveKernels();
+    if (kernels != nullptr && TentBlur(*kernels, image, between, radius, FlagsOf(channels))) {
+        return kSuccess;
+    }
     // A line pass that has nothing to do writes nothing, so the other one works in its stead.
     const bool alongRows = ClampTentRadius(radius, image.width) > 0;
     const bool alongColumns = ClampTentRadius(radius, image.height) > 0;

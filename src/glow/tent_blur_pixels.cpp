@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
+#include <vector>
 
 #include "simd/kernel_table.h"
 
@@ -77,6 +79,14 @@ std::int32_t BlurChannels(const FloatImage& source, const FloatImage& destinatio
     return 0;
 }
 
+// A pass on no channel yet.
+simd::TentPass PassOf(const FloatImage& source, const FloatImage& destination,
+                      std::int32_t radius) {
+    return {source.pixels, destination.pixels, source.rowBytes, destination.rowBytes,
+            source.width,  source.height,      radius,          {},
+            source.height, source.height};
+}
+
 std::int32_t BlurChannels(const simd::KernelTable& kernels, const FloatImage& source,
                           const FloatImage& destination, std::int32_t radius,
                           std::int32_t firstChannel, std::int32_t lastChannel,
@@ -84,8 +94,7 @@ std::int32_t BlurChannels(const simd::KernelTable& kernels, const FloatImage& so
     const bool alongRows = direction == kAlongRows;
     const std::int32_t clamped = ClampTentRadius(radius, alongRows ? source.width : source.height);
     if (clamped <= 0) return 0;
-    simd::TentPass pass{source.pixels, destination.pixels, source.rowBytes, destination.rowBytes,
-                        source.width,  source.height,      clamped,         {}};
+    simd::TentPass pass = PassOf(source, destination, clamped);
     for (std::int32_t c = firstChannel; c <= lastChannel; ++c) pass.channels[c] = true;
     (alongRows ? kernels.tent.alongRows : kernels.tent.alongColumns)(pass);
     return 0;
@@ -128,6 +137,24 @@ std::int32_t TentBlurChannel(const simd::KernelTable& kernels, const FloatImage&
                              const FloatImage& destination, std::int32_t radius,
                              std::int32_t channel, std::int32_t direction) {
     return BlurChannels(kernels, source, destination, radius, channel, channel, direction);
+}
+
+bool TentBlur(const simd::KernelTable& kernels, const FloatImage& image, const FloatImage& scratch,
+              std::int32_t radius, const ChannelFlags& channels) {
+    const std::int32_t alongRows = ClampTentRadius(radius, image.width);
+    const std::int32_t alongColumns = ClampTentRadius(radius, image.height);
+    if (alongRows <= 0 || alongColumns <= 0) return false;
+    // Rows that nothing needs any more make room for the next ones, which stay in the caches so.
+    const std::int32_t rows = std::min(2 * (alongColumns + 1) + simd::kTentBand, image.height);
+    std::vector<double> columns(2 * static_cast<std::size_t>(image.width) * kChannels);
+    simd::TentBoth passes{PassOf(image, scratch, alongRows), PassOf(scratch, image, alongColumns),
+                          columns.data()};
+    passes.alongRows.destinationRows = rows;
+    passes.alongColumns.sourceRows = rows;
+    std::copy(std::begin(channels.enabled), std::end(channels.enabled),
+              passes.alongColumns.channels);
+    kernels.tent.both(passes);
+    return true;
 }
 
 }  // namespace vireon

@@ -50,4 +50,11 @@ std::int32_t TentBlurChannel(const simd::KernelTable& kernels, const FloatImage&
                              const FloatImage& destination, std::int32_t radius,
                              std::int32_t channel, std::int32_t direction);
 
+/// Both passes of the image by the kernels of a level, along rows and then along columns, on the
+/// enabled channels and in place; bit by bit what they give one after the other.
+/// \param scratch  as large as the image; holds nothing of use afterwards
+/// \return whether both directions have a pass to make; otherwise nothing was written
+bool TentBlur(const simd::KernelTable& kernels, const FloatImage& image, const FloatImage& scratch,
+              std::int32_t radius, const ChannelFlags& channels);
+
 }  // namespace vireon

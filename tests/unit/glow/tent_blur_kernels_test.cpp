@@ -1,6 +1,7 @@
 // The blur by kernels gives the bits of the plain definition, at every level.
 
 #include <cstdint>
+#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -39,6 +40,15 @@ void BlurFast(const simd::KernelTable& kernels, const FloatImage& source,
     }
 }
 
+ChannelFlags FlagsOf(std::int32_t channels) {
+    ChannelFlags flags;
+    for (std::int32_t c = 0; c < kChannels; ++c) {
+        flags.enabled[c] =
+            channels == kAllChannels || (channels == kColours ? c != kAlpha : c == channels);
+    }
+    return flags;
+}
+
 class TentBlurKernels : public testing::TestWithParam<simd::Level> {
   protected:
     const simd::KernelTable& kernels() const { return *simd::KernelsOf(GetParam()); }
@@ -60,7 +70,34 @@ class TentBlurKernels : public testing::TestWithParam<simd::Level> {
             ASSERT_TRUE(got.paddingIntact());
             ASSERT_TRUE(SamePixels(source, before));
         }
+        checkBoth(source, radius, channels);
     }
+
+    /// Both passes in one go against one after the other by the plain definition.
+    void checkBoth(const Picture& source, std::int32_t radius, std::int32_t channels) {
+        const std::int32_t width = source.width();
+        const std::int32_t height = source.height();
+        const bool works =
+            ClampTentRadius(radius, width) > 0 && ClampTentRadius(radius, height) > 0;
+        Picture want(source);
+        Picture got(source);
+        Picture scratch(width, height, height % 3, width % 2 == 0);
+        // What lies in the scratch memory must not show.
+        scratch.fill(kNoNumber, kNoNumber, kNoNumber, kNoNumber);
+        if (works) {
+            Picture between(width, height);
+            BlurPlain(want.view(), between.view(), radius, channels, kAlongRows);
+            BlurPlain(between.view(), want.view(), radius, channels, kAlongColumns);
+        }
+        ASSERT_EQ(TentBlur(kernels(), got.view(), scratch.view(), radius, FlagsOf(channels)),
+                  works);
+        ASSERT_TRUE(SamePixels(got, want)) << width << 'x' << height << " radius " << radius
+                                           << " channels " << channels << " both directions";
+        ASSERT_TRUE(got.paddingIntact());
+        ASSERT_TRUE(scratch.paddingIntact());
+    }
+
+    static constexpr float kNoNumber = std::numeric_limits<float>::quiet_NaN();
 
     Random random_{170};
 };
@@ -93,6 +130,7 @@ TEST_P(TentBlurKernels, RadiiAcrossTheImageAndLinesLongerThanAStrip) {
             check(211, 103, radius, channels, LightData::kRandom);
             check(129, 67, radius, channels, LightData::kHdr);
             check(1053, 27, radius, channels, LightData::kSparse);
+            check(31, 517, radius, channels, LightData::kRandom);
         }
     }
 }
@@ -111,6 +149,15 @@ TEST_P(TentBlurKernels, PartOfAPictureLeavesTheRestAlone) {
                      kColours, direction);
             EXPECT_TRUE(SamePixels(got, want));
         }
+        Picture got(source);
+        Picture want(source);
+        Picture between(31, 19);
+        const FloatImage part = PartOf(want, 3, 5, 31, 19);
+        BlurPlain(part, between.view(), 2, kColours, kAlongRows);
+        BlurPlain(between.view(), part, 2, kColours, kAlongColumns);
+        EXPECT_TRUE(
+            TentBlur(kernels(), PartOf(got, 3, 5, 31, 19), between.view(), 2, FlagsOf(kColours)));
+        EXPECT_TRUE(SamePixels(got, want));
     }
 }
 
