@@ -20,9 +20,18 @@ bool SuitsKernels(std::int32_t length, WideningReach reach) {
     return 2 * static_cast<std::int64_t>(FullReach(reach)) + 1 <= kLongestBlocks * length;
 }
 
+// As many columns at once as keep their blocks within the second cache of common processors.
+std::int32_t ColumnFloats(WideningReach reach) {
+    constexpr std::int32_t kCachedFloats = 1 << 17;
+    const std::int32_t rows = 2 * (2 * FullReach(reach) + 1) + 1;
+    return std::clamp(kCachedFloats / rows / simd::kLeastWideningFloats, 1,
+                      simd::kMostWideningFloats / simd::kLeastWideningFloats) *
+           simd::kLeastWideningFloats;
+}
+
 std::size_t KernelScratchBytes(WideningReach reach) {
-    const std::size_t block = 2 * static_cast<std::size_t>(FullReach(reach)) + 1;
-    return 2 * block * simd::kWideningFloats * sizeof(float);
+    const std::size_t rows = 2 * (2 * static_cast<std::size_t>(FullReach(reach)) + 1) + 1;
+    return rows * static_cast<std::size_t>(ColumnFloats(reach)) * sizeof(float);
 }
 
 // Three lines of the padded length: the values, and their running maxima up to and from the borders
@@ -114,15 +123,9 @@ void WidenLight(const simd::KernelTable& kernels, const FloatImage& map, Widenin
         WidenLight(map, reach, alongRows, channels, scratch);
         return;
     }
-    simd::WideningPass pass{map.pixels,
-                            map.rowBytes,
-                            map.width,
-                            map.height,
-                            FullReach(reach),
-                            reach.whole,
-                            reach.fraction,
-                            {},
-                            static_cast<float*>(scratch)};
+    simd::WideningPass pass{
+        map.pixels,  map.rowBytes,   map.width, map.height,          FullReach(reach),
+        reach.whole, reach.fraction, {},        ColumnFloats(reach), static_cast<float*>(scratch)};
     std::copy(std::begin(channels.enabled), std::end(channels.enabled), pass.channels);
     (alongRows ? kernels.widening.alongRows : kernels.widening.alongColumns)(pass);
 }

@@ -5,9 +5,13 @@
 
 namespace vireon::simd {
 
-/// Floats side by side, of one row or of several, that a widening pass takes through its lines
-/// together at most.
-inline constexpr std::int32_t kWideningFloats = 128;
+/// Floats side by side, of several rows, that a pass along rows takes through them at most.
+inline constexpr std::int32_t kWideningRowFloats = 32;
+
+/// Floats side by side in a row that a pass along columns takes down together: multiples of the
+/// least. The more there are the better the processor fetches ahead.
+inline constexpr std::int32_t kLeastWideningFloats = 64;
+inline constexpr std::int32_t kMostWideningFloats = 256;
 
 /// One pass of the running maximum over pixels of four floats, in place; row bytes may be negative.
 struct WideningPass {
@@ -20,7 +24,10 @@ struct WideningPass {
         whole;         ///< pixels that the plain definition pads a line by; sets the blocks' places
     float fraction;    ///< weight of the two pixels just outside that window
     bool channels[4];  ///< which floats of a pixel are widened
-    float* scratch;    ///< 2 (2 full + 1) kWideningFloats floats
+    /// Floats that go down the columns together.
+    std::int32_t columnFloats;
+    /// 2 (2 full + 1) kWideningRowFloats floats, or (2 (2 full + 1) + 1) columnFloats of them.
+    float* scratch;
 };
 
 struct WideningKernels {
