@@ -244,7 +244,9 @@ std::vector<SpeedRow> MeasureStages(const StageOptions& options,
     const Canvas noise = scenes::DrawNoise(kReducedWidth, kReducedHeight);
     StageTable table(options, night);
     table.convolution({"convolution, night city, 1:1, radius 50", night, Depth::k8,
-                       kDefaultThreshold, 50.0, 25.0, ""});
+                       kDefaultThreshold, 50.0, 25.0, "", true});
+    table.convolution({"convolution, all of the night city", night, Depth::k8, 0.0f, 50.0,
+                       std::nullopt, "1:1, radius 50, threshold 0; ", true});
     table.convolution({"convolution, white, 1:1, radius 50", White(kReducedWidth, kReducedHeight),
                        Depth::k8, kDefaultThreshold, 50.0, 300.0,
                        "480x270 pixels for both; 1920x1080 take the plain form 16 times as long"});
