@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "headless/host.h"
-#include "tools/scenes/canvas.h"
+#include "samples/canvas.h"
 
 namespace vireon::bench {
 

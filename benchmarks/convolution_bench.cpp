@@ -19,8 +19,8 @@
 #include "composite/brightness_pixels.h"
 #include "glow/shape_splat_pixels.h"
 #include "glow/stamp_convolution_pixels.h"
+#include "samples/scenes.h"
 #include "simd/level.h"
-#include "tools/scenes/scenes.h"
 
 namespace {
 

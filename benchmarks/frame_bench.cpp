@@ -7,7 +7,7 @@
 
 #include "benchmarks/bench_host.h"
 #include "render/parameter_ids.h"
-#include "tools/scenes/scenes.h"
+#include "samples/scenes.h"
 
 namespace {
 

@@ -17,8 +17,8 @@
 #include "headless/host.h"
 #include "headless/pixel_block.h"
 #include "image/pixel_format.h"
+#include "samples/scenes.h"
 #include "shapes/shape_library.h"
-#include "tools/scenes/scenes.h"
 
 namespace vireon::bench {
 namespace {

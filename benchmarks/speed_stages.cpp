@@ -17,9 +17,9 @@
 #include "image/pixel_format.h"
 #include "render/glow_settings.h"
 #include "render/raster_ops.h"
+#include "samples/scenes.h"
 #include "shapes/glow_kernel.h"
 #include "simd/kernel_table.h"
-#include "tools/scenes/scenes.h"
 
 namespace vireon::bench {
 namespace {

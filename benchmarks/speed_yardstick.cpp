@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "tools/scenes/scenes.h"
+#include "samples/scenes.h"
 
 namespace vireon::bench {
 namespace {

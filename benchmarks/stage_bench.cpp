@@ -19,8 +19,8 @@
 #include "image/convert_pixels.h"
 #include "image/pixel_format.h"
 #include "render/glow_settings.h"
+#include "samples/scenes.h"
 #include "simd/level.h"
-#include "tools/scenes/scenes.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "render/parameter_ids.h"
-#include "tools/scenes/scenes.h"
+#include "samples/scenes.h"
 
 namespace vireon::pictures {
 namespace {

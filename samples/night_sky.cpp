@@ -2,8 +2,8 @@
 #include <array>
 #include <cmath>
 
-#include "tools/scenes/random.h"
-#include "tools/scenes/stage.h"
+#include "samples/random.h"
+#include "samples/stage.h"
 
 namespace vireon::scenes {
 

@@ -1,4 +1,4 @@
-#include "tools/scenes/canvas.h"
+#include "samples/canvas.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tools/scenes/random.h"
-#include "tools/scenes/scenes.h"
-#include "tools/scenes/stage.h"
+#include "samples/random.h"
+#include "samples/scenes.h"
+#include "samples/stage.h"
 
 namespace vireon::scenes {
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "tools/scenes/canvas.h"
-#include "tools/scenes/scenes.h"
+#include "samples/canvas.h"
+#include "samples/scenes.h"
 
 namespace vireon::scenes {
 

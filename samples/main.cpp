@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "tools/scenes/scenes.h"
+#include "samples/scenes.h"
 
 namespace {
 

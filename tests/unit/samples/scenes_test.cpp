@@ -1,4 +1,4 @@
-#include "tools/scenes/scenes.h"
+#include "samples/scenes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "tools/scenes/random.h"
-#include "tools/scenes/scenes.h"
+#include "samples/random.h"
+#include "samples/scenes.h"
 
 namespace vireon::scenes {
 

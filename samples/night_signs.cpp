@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/scenes/stage.h"
+#include "samples/stage.h"
 
 namespace vireon::scenes {
 

@@ -2,7 +2,7 @@
 #include <array>
 #include <cmath>
 
-#include "tools/scenes/stage.h"
+#include "samples/stage.h"
 
 namespace vireon::scenes {
 

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <array>
 
-#include "tools/scenes/random.h"
-#include "tools/scenes/stage.h"
+#include "samples/random.h"
+#include "samples/stage.h"
 
 namespace vireon::scenes {
 

@@ -1,11 +1,11 @@
-#include "tools/scenes/canvas.h"
+#include "samples/canvas.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <stdexcept>
 
-#include "tools/scenes/random.h"
+#include "samples/random.h"
 
 namespace vireon::scenes {
 namespace {

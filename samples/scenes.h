@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/scenes/canvas.h"
+#include "samples/canvas.h"
 
 namespace vireon::scenes {
 
