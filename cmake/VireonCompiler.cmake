@@ -28,7 +28,7 @@ target_compile_options(vireon_exact_math INTERFACE
 
 if(VIREON_SANITIZE)
     add_compile_options(-fsanitize=${VIREON_SANITIZE} -fno-sanitize-recover=all
-                        -fno-omit-frame-pointer -g)
+                        -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${VIREON_SANITIZE})
 endif()
 

@@ -25,6 +25,11 @@ function(vireon_add_test target)
         set(ARG_TIMEOUT 300)
     endif()
     add_executable(${target} ${ARG_SOURCES})
+    # What is tested runs with all sanitizers; the tests' own lines compile twice as fast without
+    # the checks for undefined behaviour.
+    if(VIREON_SANITIZE MATCHES "undefined")
+        target_compile_options(${target} PRIVATE -fno-sanitize=undefined)
+    endif()
     target_link_libraries(${target} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main
                           vireon_warnings vireon_exact_math)
     target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}" "${CMAKE_SOURCE_DIR}/src")
