@@ -87,13 +87,15 @@ Colour Mix(Colour from, Colour to, double t) {
     return from * (1.0 - t) + to * t;
 }
 
-Canvas::Canvas(int width, int height) : width_(width), height_(height) {
+Canvas::Canvas(int width, int height, Ground ground) : width_(width), height_(height) {
     if (width < 1 || height < 1 || width > kLargestSide || height > kLargestSide) {
         throw std::invalid_argument("a canvas must be between 1 and 32768 pixels wide and high");
     }
     samples_.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4, 0.0f);
-    for (std::size_t i = 3; i < samples_.size(); i += 4) {
-        samples_[i] = 1.0f;
+    if (ground == Ground::kOpaque) {
+        for (std::size_t i = 3; i < samples_.size(); i += 4) {
+            samples_[i] = 1.0f;
+        }
     }
 }
 
@@ -108,6 +110,10 @@ Colour Canvas::at(int x, int y) const {
     return {samples_[i], samples_[i + 1], samples_[i + 2]};
 }
 
+float Canvas::alphaAt(int x, int y) const {
+    return samples_[index(x, y) + 3];
+}
+
 void Canvas::set(int x, int y, Colour colour) {
     const std::size_t i = index(x, y);
     samples_[i] = colour.red;
@@ -119,7 +125,16 @@ void Canvas::blend(int x, int y, Colour colour, double coverage) {
     if (x < 0 || y < 0 || x >= width_ || y >= height_ || coverage <= 0.0) {
         return;
     }
-    set(x, y, Mix(at(x, y), colour, coverage));
+    float& alpha = samples_[index(x, y) + 3];
+    if (alpha == 1.0f) {
+        set(x, y, Mix(at(x, y), colour, coverage));
+        return;
+    }
+    // Where less lies beneath, the new colour has the greater share of the straight colour.
+    const double beneath = static_cast<double>(alpha) * (1.0 - coverage);
+    const double whole = std::min(coverage + beneath, 1.0);
+    set(x, y, Mix(at(x, y), colour, std::min(coverage / whole, 1.0)));
+    alpha = static_cast<float>(whole);
 }
 
 void Canvas::add(int x, int y, Colour light) {

@@ -25,12 +25,18 @@ Colour operator+(Colour a, Colour b);
 /// `from` at t = 0, `to` at t = 1, evenly between; t is not limited.
 Colour Mix(Colour from, Colour to, double t);
 
-/// An opaque picture: four 32-bit floats a pixel in the order red, green, blue, alpha, rows packed,
-/// top row first. Alpha is 1 everywhere. Drawing outside the canvas does nothing.
+/// What a canvas holds before anything is drawn: black in either case.
+enum class Ground {
+    kOpaque,       ///< alpha 1, which no drawing changes
+    kTransparent,  ///< alpha 0, which drawing raises
+};
+
+/// A picture: four 32-bit floats a pixel in the order red, green, blue, alpha, rows packed, top row
+/// first. Colour is straight, not multiplied by alpha. Drawing outside the canvas does nothing.
 class Canvas {
   public:
-    /// A black canvas. Throws std::invalid_argument unless both sides are between 1 and 32768.
-    Canvas(int width, int height);
+    /// An empty canvas. Throws std::invalid_argument unless both sides are between 1 and 32768.
+    Canvas(int width, int height, Ground ground = Ground::kOpaque);
 
     int width() const { return width_; }
     int height() const { return height_; }
@@ -41,13 +47,16 @@ class Canvas {
     /// Colour of a pixel inside the canvas.
     Colour at(int x, int y) const;
 
-    /// Replaces the colour of a pixel inside the canvas.
+    /// Alpha of a pixel inside the canvas, 0 to 1.
+    float alphaAt(int x, int y) const;
+
+    /// Replaces the colour of a pixel inside the canvas and leaves its alpha.
     void set(int x, int y, Colour colour);
 
     /// Lays `colour` over a pixel with the coverage 0 to 1; outside the canvas nothing happens.
     void blend(int x, int y, Colour colour, double coverage);
 
-    /// Adds light to a pixel; outside the canvas nothing happens.
+    /// Adds light to a pixel and leaves its alpha; outside the canvas nothing happens.
     void add(int x, int y, Colour light);
 
   private:

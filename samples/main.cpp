@@ -1,91 +1,128 @@
-#include <OpenImageIO/imageio.h>
-
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
+#include <new>
 #include <stdexcept>
 #include <string>
 
-#include "samples/scenes.h"
+#include "samples/catalogue.h"
+#include "samples/scene_file.h"
 
 namespace {
 
-using vireon::scenes::Canvas;
 using vireon::scenes::LightRange;
+using vireon::scenes::Scene;
 
-std::string LowerExtension(const std::string& path) {
-    std::string extension = std::filesystem::path(path).extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return extension;
+// The numbers of the command line of the effect.
+constexpr int kSuccess = 0;
+constexpr int kBadCommandLine = 2;
+constexpr int kUnknownName = 3;
+constexpr int kBadValue = 4;
+constexpr int kFailed = 7;
+
+int Refuse(int code, const std::string& message) {
+    std::fprintf(stderr, "vireon-scenes: %s\n", message.c_str());
+    return code;
 }
 
-// A format that holds floats gets the overbright lights, any other 8 bits a channel.
-LightRange RangeOf(const std::string& path) {
-    return LowerExtension(path) == ".exr" ? LightRange::kOverbright : LightRange::kDisplay;
+std::string ListOfScenes() {
+    std::string list;
+    for (const Scene& scene : vireon::scenes::Scenes()) {
+        std::string line = "  " + std::string(scene.name);
+        line.resize(13, ' ');
+        line += std::string(scene.description) + ", " + std::to_string(scene.defaultWidth) + "x" +
+                std::to_string(scene.defaultHeight);
+        if (scene.hasAlpha) line += ", with alpha";
+        if (scene.frames > 1) line += ", " + std::to_string(scene.frames) + " frames";
+        list += line + "\n";
+    }
+    return list;
 }
 
-void Write(const Canvas& canvas, const std::string& path) {
-    const OIIO::TypeDesc depth =
-        RangeOf(path) == LightRange::kOverbright ? OIIO::TypeDesc::FLOAT : OIIO::TypeDesc::UINT8;
-    OIIO::ImageSpec spec(canvas.width(), canvas.height(), 3, depth);
-    const auto file = OIIO::ImageOutput::create(path);
-    if (!file) {
-        throw std::runtime_error("cannot write '" + path + "': " + OIIO::geterror());
+struct Request {
+    std::string scene;
+    std::string path;
+    int width = 0;
+    int height = 0;
+    int frame = 0;
+    int bits = 0;
+    bool alone = false;
+};
+
+int Draw(const Request& request) {
+    const Scene* scene = vireon::scenes::FindScene(request.scene);
+    if (scene == nullptr) {
+        return Refuse(kUnknownName, "there is no scene '" + request.scene +
+                                        "'; 'vireon-scenes list' names them all");
     }
-    constexpr OIIO::stride_t kPixelBytes = 4 * sizeof(float);
-    if (!file->open(path, spec) ||
-        !file->write_image(OIIO::TypeDesc::FLOAT, canvas.samples().data(), kPixelBytes) ||
-        !file->close()) {
-        throw std::runtime_error("cannot write '" + path + "': " + file->geterror());
+    if (request.path.empty()) {
+        return Refuse(kBadCommandLine, "say which file to write, for example 'vireon-scenes " +
+                                           request.scene + " " + request.scene + ".png'");
     }
+    if (request.frame >= scene->frames) {
+        return Refuse(kBadValue, "the scene '" + request.scene + "' has no frame " +
+                                     std::to_string(request.frame) + "; its last is " +
+                                     std::to_string(scene->frames - 1));
+    }
+    if (request.alone && request.scene != "lights") {
+        return Refuse(kBadCommandLine, "--alone belongs to the scene 'lights'");
+    }
+    const vireon::scenes::FileDepth depth = vireon::scenes::DepthFor(request.path, request.bits);
+    const LightRange range =
+        depth == vireon::scenes::FileDepth::kFloat ? LightRange::kOverbright : LightRange::kDisplay;
+    const int width = request.width > 0 ? request.width : scene->defaultWidth;
+    const int height = request.height > 0 ? request.height : scene->defaultHeight;
+    vireon::scenes::CheckPlace(request.path);
+    const vireon::scenes::Canvas canvas =
+        request.alone ? vireon::scenes::DrawLights(width, height, range, false)
+                      : scene->draw({width, height, range, request.frame});
+    vireon::scenes::WritePicture(canvas, scene->hasAlpha, depth, request.path);
+    return kSuccess;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app{"Draws sample pictures for the glow: .exr with lights above 1, else 8 bits."};
-    app.require_subcommand(1);
-    std::string path;
-    int width = 0;
-    int height = 0;
-    bool alone = false;
-    const auto addScene = [&](const char* name, const char* description, int defaultWidth,
-                              int defaultHeight) {
-        CLI::App* scene = app.add_subcommand(name, description);
-        scene->add_option("out", path, "Picture file to write")->required();
-        scene->add_option("--width", width, "Width in pixels")
-            ->default_str(std::to_string(defaultWidth))
-            ->check(CLI::Range(1, 32768));
-        scene->add_option("--height", height, "Height in pixels")
-            ->default_str(std::to_string(defaultHeight))
-            ->check(CLI::Range(1, 32768));
-        scene->parse_complete_callback([&width, &height, defaultWidth, defaultHeight] {
-            width = width > 0 ? width : defaultWidth;
-            height = height > 0 ? height : defaultHeight;
-        });
-        return scene;
-    };
-    CLI::App* night = addScene("night", "A city at dusk after rain", 1920, 1080);
-    CLI::App* lights = addScene("lights", "A few small lights on black", 320, 320);
-    lights->add_flag("--alone", alone, "Only the white light in the middle");
-    addScene("noise", "Random values in every pixel", 1920, 1080);
-    CLI11_PARSE(app, argc, argv);
-
+    CLI::App app{
+        "Draws sample pictures for the glow: .exr in float with lights above 1, .png in 8 "
+        "or 16 bits."};
+    app.footer("Scenes:\n" + ListOfScenes());
+    Request request;
+    app.add_option("scene", request.scene, "Name of the scene, or 'list' for all of them")
+        ->required();
+    app.add_option("out", request.path, "Picture file to write, .png or .exr");
+    app.add_option("--width", request.width, "Width in pixels (default: the scene's own)")
+        ->check(CLI::Range(1, 32768));
+    app.add_option("--height", request.height, "Height in pixels (default: the scene's own)")
+        ->check(CLI::Range(1, 32768));
+    app.add_option("--frame", request.frame, "Frame of a moving scene, from 0")
+        ->check(CLI::Range(0, 1000000));
+    app.add_option("--bits", request.bits, "8 or 16 for .png (default 8), 32 for .exr")
+        ->check(CLI::IsMember({8, 16, 32}));
+    app.add_flag("--alone", request.alone, "lights: only the white light in the middle");
     try {
-        if (night->parsed()) {
-            Write(vireon::scenes::DrawNightCity(width, height, RangeOf(path)), path);
-        } else if (lights->parsed()) {
-            Write(vireon::scenes::DrawLights(width, height, RangeOf(path), !alone), path);
-        } else {
-            Write(vireon::scenes::DrawNoise(width, height), path);
-        }
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "vireon-scenes: %s\n", error.what());
-        return 1;
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) return app.exit(error);
+        const bool value =
+            error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ValidationError);
+        return Refuse(value ? kBadValue : kBadCommandLine,
+                      std::string(error.what()) + "; see 'vireon-scenes --help'");
     }
-    return 0;
+    if (request.scene == "list") {
+        if (!request.path.empty()) return Refuse(kBadCommandLine, "'list' writes no file");
+        std::fputs(ListOfScenes().c_str(), stdout);
+        return kSuccess;
+    }
+    try {
+        return Draw(request);
+    } catch (const std::bad_alloc&) {
+        return Refuse(kFailed,
+                      "there is not enough memory for so large a picture; ask for a "
+                      "smaller one by --width and --height");
+    } catch (const std::invalid_argument& error) {
+        return Refuse(kBadValue, error.what());
+    } catch (const std::exception& error) {
+        return Refuse(kFailed, error.what());
+    }
 }

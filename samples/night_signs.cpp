@@ -1,9 +1,10 @@
 #include <array>
-#include <cmath>
 #include <string_view>
 #include <vector>
 
+#include "samples/curves.h"
 #include "samples/stage.h"
+#include "samples/tube_letters.h"
 
 namespace vireon::scenes {
 
@@ -18,54 +19,6 @@ void Tube(const Stage& stage, const std::vector<Point>& points, double width, Co
     stage.polyline(points, width, colour * kTubeStrength);
     stage.polyline(points, width * 0.42,
                    Mix(colour, {1.0f, 1.0f, 1.0f}, 0.35) * (kTubeStrength * 1.25));
-}
-
-std::vector<Point> Arc(Point centre, double radiusX, double radiusY, double fromTurns,
-                       double toTurns) {
-    constexpr int kPieces = 28;
-    constexpr double kTwoPi = 6.28318530717958647692;
-    std::vector<Point> points;
-    for (int i = 0; i <= kPieces; ++i) {
-        const double angle = kTwoPi * (fromTurns + (toTurns - fromTurns) * i / kPieces);
-        points.push_back(
-            {centre.x + radiusX * std::cos(angle), centre.y + radiusY * std::sin(angle)});
-    }
-    return points;
-}
-
-// The tubes of one capital letter in a box one unit wide and two high, the corner at (0, 0).
-std::vector<std::vector<Point>> LetterTubes(char letter) {
-    switch (letter) {
-        case 'V': return {{{0.0, 0.0}, {0.5, 2.0}, {1.0, 0.0}}};
-        case 'I': return {{{0.0, 0.0}, {0.0, 2.0}}};
-        case 'R':
-            return {{{0.0, 2.0},
-                     {0.0, 0.0},
-                     {0.65, 0.0},
-                     {0.95, 0.22},
-                     {0.95, 0.78},
-                     {0.65, 1.0},
-                     {0.0, 1.0}},
-                    {{0.5, 1.0}, {1.0, 2.0}}};
-        case 'E':
-            return {{{1.0, 0.0}, {0.0, 0.0}, {0.0, 2.0}, {1.0, 2.0}}, {{0.0, 1.0}, {0.8, 1.0}}};
-        case 'O': return {Arc({0.5, 1.0}, 0.52, 1.0, 0.0, 1.0)};
-        case 'N': return {{{0.0, 2.0}, {0.0, 0.0}, {1.0, 2.0}, {1.0, 0.0}}};
-        case 'B':
-            return {{{0.0, 1.0},
-                     {0.7, 1.0},
-                     {0.95, 1.25},
-                     {0.95, 1.75},
-                     {0.7, 2.0},
-                     {0.0, 2.0},
-                     {0.0, 0.0},
-                     {0.65, 0.0},
-                     {0.88, 0.22},
-                     {0.88, 0.78},
-                     {0.65, 1.0}}};
-        case 'A': return {{{0.0, 2.0}, {0.5, 0.0}, {1.0, 2.0}}, {{0.18, 1.3}, {0.82, 1.3}}};
-        default: return {};
-    }
 }
 
 // Writes a word in tubes; `unit` is the width of a letter, which is twice as high. An I has no

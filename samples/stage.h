@@ -8,7 +8,7 @@
 
 namespace vireon::scenes {
 
-/// A canvas seen in the measure in which the night city is designed: 1080 lines high, as wide as
+/// A canvas seen in the measure in which the scenes are designed: 1080 lines high, as wide as
 /// the picture's proportions ask (1920 for 16:9), the origin at the top left. The drawing calls are
 /// those of canvas.h with the design's lengths; for a display each colour is limited before it is
 /// drawn, so that the edges of strong lights stay smooth.
@@ -24,6 +24,8 @@ class Stage {
           width_(canvas.width() / scale_) {}
 
     Canvas& canvas() const { return canvas_; }
+
+    LightRange range() const { return range_; }
 
     /// Pixels of the canvas for one unit of the design.
     double scale() const { return scale_; }
