@@ -24,15 +24,17 @@ inline constexpr int kBrushRadius = 127;
 /// threshold 50 %, falloff 1.5). Each pixel of level L lays a stamp of radius 100 (L - 0.5)^1.5, so
 /// the inside of an even area gets
 ///     0.1 x sum x (100 (L - 0.5)^1.5 / 128)^2 = 0.061 x sum x (L - 0.5)^3
-/// at every quality: with 480 about 3.7 at full white, 1.9 at 0.9 and 0.8 at 0.8. A smaller sum
-/// leaves lamps of a few pixels without a visible halo; a larger one burns moons, windows and signs
-/// out beyond what the soft clip can bring back.
-inline constexpr double kBrushEnergy = 480.0;
+/// at every quality: with 200 about 1.5 at full white, 0.8 at 0.9, 0.3 at 0.8 and 0.04 at 0.65. A
+/// smaller sum leaves lamps of a few pixels without a visible halo; a larger one turns skin and
+/// sunlit walls yellow, as their strongest channel clips before the others. docs/brightness.md has
+/// the pictures that were measured.
+inline constexpr double kBrushEnergy = 200.0;
 
 /// Draws a shape as kBrushSize x kBrushSize samples in rows, top row first. Every sample is the
-/// mean of the shape over one texel, times a window that goes smoothly to zero at kBrushRadius; the
-/// sum is kBrushEnergy to rounding. Samples are finite, never negative, and equal bit for bit from
-/// one machine to the next.
+/// mean of the shape over one texel, zero from kBrushRadius on; the sum is kBrushEnergy and the
+/// centroid kBrushCentre, both to rounding. A shape that is heavier on one side is leaned evenly to
+/// the other, its centre staying as it is. Samples are finite, never negative, and equal bit for
+/// bit from one machine to the next.
 std::vector<double> RasteriseShape(const Shape& shape);
 
 }  // namespace vireon::brushes
