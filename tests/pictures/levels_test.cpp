@@ -16,6 +16,7 @@
 #include "headless/remote/worker_client.h"
 #include "simd/level.h"
 #include "tests/pictures/parity_scenes.h"
+#include "tests/pictures/tolerances.h"
 
 namespace {
 
@@ -23,13 +24,10 @@ namespace fs = std::filesystem;
 using vireon::headless::Picture;
 using vireon::headless::RenderResult;
 using vireon::headless::WorkerClient;
+using vireon::pictures::kRounding;
 using vireon::pictures::ParityScene;
 using vireon::simd::Level;
 
-/// Largest difference of the plain definitions: one step of 8 and of 16 bits, of floats this part
-/// of the largest value in the picture.
-constexpr double kMostSteps = 1.0;
-constexpr double kMostOfPeak = 1e-5;
 /// Larger floats are no light that anybody works with; they must not hide the rest of a picture.
 constexpr double kMostLight = 1e6;
 
@@ -150,7 +148,7 @@ TEST_P(Levels, PlainDefinitionsDifferByRoundingAlone) {
     const std::vector<Picture> plain = native(Level::kPlain);
     const std::vector<Picture> fast = native(Level::kSse2);
     ASSERT_EQ(plain.size(), fast.size());
-    const double most = GetParam() == 32 ? kMostOfPeak : kMostSteps;
+    const double most = GetParam() == 32 ? kRounding.ofPeak : kRounding.steps;
     double largest = 0.0;
     std::string where = "none";
     for (std::size_t i = 0; i < scenes_.size(); ++i) {

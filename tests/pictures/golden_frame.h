@@ -1,0 +1,64 @@
+#pragma once
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "headless/remote/messages.h"
+#include "tests/pictures/golden_cases.h"
+
+namespace vireon::pictures {
+
+/// The programs that make a golden picture.
+struct GoldenPrograms {
+    std::filesystem::path scenes;  ///< vireon-scenes
+    std::filesystem::path vireon;
+};
+
+/// Draws the scenes that cases ask for into a folder, each once.
+class SceneFolder {
+  public:
+    /// Makes the folder when it does not exist. Scenes that lie in it already are drawn again.
+    SceneFolder(std::filesystem::path scenesProgram, std::filesystem::path folder);
+
+    const std::filesystem::path& path() const { return folder_; }
+
+    /// The picture file of a scene for a frame of a depth. Throws std::runtime_error with what the
+    /// program said when it cannot be drawn.
+    std::filesystem::path fileOf(const SceneInput& input, std::int32_t bits);
+
+  private:
+    std::filesystem::path program_;
+    std::filesystem::path folder_;
+    std::set<std::string> drawn_;
+};
+
+/// What `vireon render` would send to a worker for a case. Throws tool::ToolError for a parameter
+/// or layer that does not exist or a value that is none, and what SceneFolder throws.
+headless::RenderJob MakeJob(const GoldenCase& golden, const headless::Description& description,
+                            SceneFolder& scenes);
+
+/// Name, without folder, of the file into which vireon-scenes draws a scene: PNG for 8 bits, else
+/// EXR, whose pictures come out of `vireon render` with all bits of the frame.
+std::string SceneFileName(const SceneInput& input, std::int32_t bits);
+
+/// Arguments for vireon-scenes that draw a scene into a file.
+std::vector<std::string> SceneArguments(const SceneInput& input, const std::string& file);
+
+/// Arguments for vireon that render a case from scene files in the working folder into `output`.
+std::vector<std::string> RenderArguments(const GoldenCase& golden, const std::string& output);
+
+/// Lines for a shell that draw the scenes of a case in `folder` and render it there, into
+/// "<name>-again.png" or ".exr".
+std::vector<std::string> CommandsFor(const GoldenCase& golden, const GoldenPrograms& programs,
+                                     const std::filesystem::path& folder);
+
+/// A word as a POSIX shell takes it, in quotes where it needs them.
+std::string ShellWord(const std::string& word);
+
+/// Runs a program to its end. Throws std::runtime_error with what it said on standard error when it
+/// fails or takes more than two minutes.
+void RunToEnd(const std::filesystem::path& program, const std::vector<std::string>& arguments);
+
+}  // namespace vireon::pictures
