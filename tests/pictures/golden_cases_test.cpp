@@ -76,7 +76,14 @@ TEST(GoldenCases, CommandsSayWhatTheCaseSays) {
         "/bin/vireon-scenes noise noise-32x18.exr --width 32 --height 18",
         "/bin/vireon render moving-64x36-7.exr all-fields-again.png --depth 16 --downsample 2 "
         "--threshold 20 --shape 'Six Flare' --layer mask=noise-32x18.exr"};
-    EXPECT_EQ(CommandsFor(golden, {"/bin/vireon-scenes", "/bin/vireon"}, "/a folder/x"), expected);
+    GoldenPrograms programs{"/bin/vireon-scenes", "/bin/vireon", {}, {}};
+    EXPECT_EQ(CommandsFor(golden, programs, "/a folder/x"), expected);
+
+    programs.plugin = "/the other/VireonGlow.aex";
+    programs.level = "plain";
+    EXPECT_EQ(
+        CommandsFor(golden, programs, "/x").back(),
+        "VIREON_GLOW_SIMD=plain " + expected.back() + " --plugin '/the other/VireonGlow.aex'");
 }
 
 TEST(GoldenCases, WordsReachAShellAsTheyAre) {

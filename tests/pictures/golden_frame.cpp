@@ -115,9 +115,14 @@ std::vector<std::string> CommandsFor(const GoldenCase& golden, const GoldenProgr
     };
     draw(golden.input);
     for (const auto& layer : golden.layers) draw(layer.second);
-    lines.push_back(
-        CommandLine(programs.vireon,
-                    RenderArguments(golden, ReferenceName(golden.name + "-again", golden.bits))));
+    std::vector<std::string> render =
+        RenderArguments(golden, ReferenceName(golden.name + "-again", golden.bits));
+    if (!programs.plugin.empty()) {
+        render.insert(render.end(), {"--plugin", programs.plugin.string()});
+    }
+    const std::string level =
+        programs.level.empty() ? "" : "VIREON_GLOW_SIMD=" + ShellWord(programs.level) + " ";
+    lines.push_back(level + CommandLine(programs.vireon, render));
     return lines;
 }
 

@@ -14,6 +14,8 @@ namespace vireon::pictures {
 struct GoldenPrograms {
     std::filesystem::path scenes;  ///< vireon-scenes
     std::filesystem::path vireon;
+    std::filesystem::path plugin;  ///< empty: the library beside `vireon`
+    std::string level;             ///< held to this level of instructions; empty: the machine's
 };
 
 /// Draws the scenes that cases ask for into a folder, each once.

@@ -45,7 +45,7 @@ fs::path NativeStage() {
 }
 
 GoldenPrograms Programs() {
-    return {FromEnvironment("VIREON_SCENES"), NativeStage() / "vireon"};
+    return {FromEnvironment("VIREON_SCENES"), NativeStage() / "vireon", {}, {}};
 }
 
 GoldenSet TheSet() {
@@ -109,10 +109,14 @@ Rendered Render(Renderer& renderer, const GoldenCase& golden, SceneFolder& scene
 }
 
 /// Renders every case and holds it to its reference. What differs goes into a report.
-void CheckAll(Renderer& renderer, const std::string& run, const std::string& title) {
+/// \param run       folder of the report
+/// \param programs  what renders a picture of this run again
+/// \param accept    whether references are made by such a run
+void CheckAll(Renderer& renderer, const std::string& run, const std::string& title,
+              const GoldenPrograms& programs, bool accept) {
     const GoldenSet set = TheSet();
     const fs::path folder = FreshFolder(run);
-    SceneFolder scenes(Programs().scenes, folder);
+    SceneFolder scenes(programs.scenes, folder);
     PictureReport report(folder, title);
     const Tolerance& tolerance = ToleranceOf(renderer.client.simd());
     for (const GoldenCase& golden : set.cases()) {
@@ -120,7 +124,7 @@ void CheckAll(Renderer& renderer, const std::string& run, const std::string& tit
         std::optional<ReportEntry> entry;
         if (rendered.problem.empty()) {
             entry = set.check(golden, rendered.picture, tolerance);
-            if (entry) entry->accept = AcceptCommand(golden.name);
+            if (entry && accept) entry->accept = AcceptCommand(golden.name);
         } else {
             entry.emplace();
             entry->name = golden.name;
@@ -128,7 +132,7 @@ void CheckAll(Renderer& renderer, const std::string& run, const std::string& tit
             entry->problem = rendered.problem;
         }
         if (!entry) continue;
-        entry->repeat = CommandsFor(golden, Programs(), folder);
+        entry->repeat = CommandsFor(golden, programs, folder);
         ADD_FAILURE() << golden.name << ": " << entry->problem;
         report.add(std::move(*entry));
     }
@@ -164,7 +168,7 @@ class Golden : public testing::Test {
 TEST_F(Golden, EveryPictureIsAsItWas) {
     if (accepts()) GTEST_SKIP() << "pictures are being accepted";
     Renderer renderer = Native();
-    CheckAll(renderer, "native", "Pictures of the native library");
+    CheckAll(renderer, "native", "Pictures of the native library", Programs(), true);
 }
 
 TEST_F(Golden, PlainDefinitionsDrawThemToo) {
@@ -172,7 +176,9 @@ TEST_F(Golden, PlainDefinitionsDrawThemToo) {
     holdTo("plain");
     Renderer renderer = Native();
     ASSERT_EQ(renderer.client.simd(), "plain");
-    CheckAll(renderer, "plain", "Pictures of the plain definitions");
+    GoldenPrograms programs = Programs();
+    programs.level = "plain";
+    CheckAll(renderer, "plain", "Pictures of the plain definitions", programs, false);
 }
 
 TEST_F(Golden, TheWindowsLibraryDrawsThemToo) {
@@ -185,7 +191,9 @@ TEST_F(Golden, TheWindowsLibraryDrawsThemToo) {
         GTEST_SKIP() << "build the preset \"windows\" first: nothing in " << stage;
     }
     Renderer renderer(stage, "vireon-worker.exe", "VireonGlow.aex");
-    CheckAll(renderer, "windows", "Pictures of the Windows library");
+    GoldenPrograms programs = Programs();
+    programs.plugin = stage / "VireonGlow.aex";
+    CheckAll(renderer, "windows", "Pictures of the Windows library", programs, false);
 }
 
 TEST_F(Golden, NoPictureIsLeftOver) {
