@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/pictures/golden_frame.h"
+#include "tests/unit/tool/scratch_folder.h"
+#include "tools/vireon/picture_file.h"
 
 namespace vireon::pictures {
 namespace {
@@ -72,10 +74,12 @@ TEST(GoldenCases, CommandsSayWhatTheCaseSays) {
     const GoldenCase golden = ParseGoldenCases(kFull).front();
     const std::vector<std::string> expected{
         "cd '/a folder/x'",
-        "/bin/vireon-scenes moving moving-64x36-7.exr --width 64 --height 36 --frame 7",
-        "/bin/vireon-scenes noise noise-32x18.exr --width 32 --height 18",
-        "/bin/vireon render moving-64x36-7.exr all-fields-again.png --depth 16 --downsample 2 "
-        "--threshold 20 --shape 'Six Flare' --layer mask=noise-32x18.exr"};
+        "/bin/vireon-scenes moving moving-64x36-frame-7-16-bits.png --width 64 --height 36 "
+        "--frame 7 --bits 16",
+        "/bin/vireon-scenes noise noise-32x18-16-bits.png --width 32 --height 18 --bits 16",
+        "/bin/vireon render moving-64x36-frame-7-16-bits.png all-fields-again.png --depth 16 "
+        "--downsample 2 --threshold 20 --shape 'Six Flare' "
+        "--layer mask=noise-32x18-16-bits.png"};
     GoldenPrograms programs{"/bin/vireon-scenes", "/bin/vireon", {}, {}};
     EXPECT_EQ(CommandsFor(golden, programs, "/a folder/x"), expected);
 
@@ -91,6 +95,22 @@ TEST(GoldenCases, WordsReachAShellAsTheyAre) {
     EXPECT_EQ(ShellWord(""), "''");
     EXPECT_EQ(ShellWord("4:1 (moderate)"), "'4:1 (moderate)'");
     EXPECT_EQ(ShellWord("it's $HOME"), "'it'\\''s $HOME'");
+}
+
+TEST(SceneFolder, DrawsWhatThereIsAndNamesWhatThereIsNot) {
+    const tool::ScratchFolder folder;
+    SceneFolder scenes(folder / "scenes");
+    for (const int bits : {8, 16, 32}) {
+        const tool::PictureFile file =
+            tool::ReadPictureFile(scenes.fileOf({"lights", 24, 16, {}}, bits));
+        EXPECT_EQ(file.naturalBits(), bits);
+        EXPECT_EQ(file.width, 24);
+        EXPECT_EQ(file.height, 16);
+    }
+    EXPECT_THROW(scenes.fileOf({"lightz", 24, 16, {}}, 8), std::runtime_error);
+    EXPECT_THROW(scenes.fileOf({"lights", 24, 16, 1}, 8), std::runtime_error);
+    EXPECT_THROW(scenes.fileOf({"lights", 24, 16, -1}, 8), std::runtime_error);
+    EXPECT_ANY_THROW(scenes.fileOf({"lights", 0, 16, {}}, 8));
 }
 
 TEST(RunToEnd, SaysWhyAProgramFailed) {

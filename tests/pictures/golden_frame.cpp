@@ -8,6 +8,8 @@
 #include <utility>
 
 #include "headless/remote/child_process.h"
+#include "samples/catalogue.h"
+#include "samples/scene_file.h"
 #include "tests/pictures/reference_file.h"
 #include "tools/vireon/exit_codes.h"
 #include "tools/vireon/parameter_options.h"
@@ -76,17 +78,19 @@ std::string ShellWord(const std::string& word) {
 std::string SceneFileName(const SceneInput& input, std::int32_t bits) {
     std::string name =
         input.scene + "-" + std::to_string(input.width) + "x" + std::to_string(input.height);
-    if (input.frame) name += "-" + std::to_string(*input.frame);
-    return name + (bits == 8 ? ".png" : ".exr");
+    if (input.frame) name += "-frame-" + std::to_string(*input.frame);
+    if (bits == 16) name += "-16-bits";
+    return name + (bits == 32 ? ".exr" : ".png");
 }
 
-std::vector<std::string> SceneArguments(const SceneInput& input, const std::string& file) {
-    std::vector<std::string> arguments{input.scene, file,
+std::vector<std::string> SceneArguments(const SceneInput& input, std::int32_t bits) {
+    std::vector<std::string> arguments{input.scene, SceneFileName(input, bits),
                                        "--width",   std::to_string(input.width),
                                        "--height",  std::to_string(input.height)};
     if (input.frame) {
         arguments.insert(arguments.end(), {"--frame", std::to_string(*input.frame)});
     }
+    if (bits == 16) arguments.insert(arguments.end(), {"--bits", "16"});
     return arguments;
 }
 
@@ -110,8 +114,7 @@ std::vector<std::string> CommandsFor(const GoldenCase& golden, const GoldenProgr
                                      const std::filesystem::path& folder) {
     std::vector<std::string> lines{"cd " + ShellWord(folder.string())};
     const auto draw = [&](const SceneInput& input) {
-        lines.push_back(
-            CommandLine(programs.scenes, SceneArguments(input, SceneFileName(input, golden.bits))));
+        lines.push_back(CommandLine(programs.scenes, SceneArguments(input, golden.bits)));
     };
     draw(golden.input);
     for (const auto& layer : golden.layers) draw(layer.second);
@@ -126,18 +129,26 @@ std::vector<std::string> CommandsFor(const GoldenCase& golden, const GoldenProgr
     return lines;
 }
 
-SceneFolder::SceneFolder(std::filesystem::path scenesProgram, std::filesystem::path folder)
-    : program_(std::move(scenesProgram)), folder_(std::move(folder)) {
+SceneFolder::SceneFolder(std::filesystem::path folder) : folder_(std::move(folder)) {
     std::filesystem::create_directories(folder_);
 }
 
 std::filesystem::path SceneFolder::fileOf(const SceneInput& input, std::int32_t bits) {
     const std::string name = SceneFileName(input, bits);
     const std::filesystem::path file = folder_ / name;
-    if (!drawn_.contains(name)) {
-        RunToEnd(program_, SceneArguments(input, file.string()));
-        drawn_.insert(name);
+    if (drawn_.contains(name)) return file;
+    const scenes::Scene* const scene = scenes::FindScene(input.scene);
+    const std::int32_t frame = input.frame.value_or(0);
+    if (scene == nullptr || frame < 0 || frame >= scene->frames) {
+        throw std::runtime_error("there is no scene \"" + input.scene + "\" with a frame " +
+                                 std::to_string(frame));
     }
+    const scenes::FileDepth depth = scenes::DepthFor(name, bits);
+    const auto range = depth == scenes::FileDepth::kFloat ? scenes::LightRange::kOverbright
+                                                          : scenes::LightRange::kDisplay;
+    scenes::WritePicture(scene->draw({input.width, input.height, range, frame}), scene->hasAlpha,
+                         depth, file.string());
+    drawn_.insert(name);
     return file;
 }
 

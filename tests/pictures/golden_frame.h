@@ -18,20 +18,20 @@ struct GoldenPrograms {
     std::string level;             ///< held to this level of instructions; empty: the machine's
 };
 
-/// Draws the scenes that cases ask for into a folder, each once.
+/// Draws the scenes that cases ask for into a folder, each once: the same files that vireon-scenes
+/// writes, without a start of the program for each.
 class SceneFolder {
   public:
     /// Makes the folder when it does not exist. Scenes that lie in it already are drawn again.
-    SceneFolder(std::filesystem::path scenesProgram, std::filesystem::path folder);
+    explicit SceneFolder(std::filesystem::path folder);
 
     const std::filesystem::path& path() const { return folder_; }
 
-    /// The picture file of a scene for a frame of a depth. Throws std::runtime_error with what the
-    /// program said when it cannot be drawn.
+    /// The picture file of a scene for a frame of a depth. Throws std::exception, naming the scene,
+    /// when there is no such scene, frame or size or the file cannot be written.
     std::filesystem::path fileOf(const SceneInput& input, std::int32_t bits);
 
   private:
-    std::filesystem::path program_;
     std::filesystem::path folder_;
     std::set<std::string> drawn_;
 };
@@ -41,12 +41,11 @@ class SceneFolder {
 headless::RenderJob MakeJob(const GoldenCase& golden, const headless::Description& description,
                             SceneFolder& scenes);
 
-/// Name, without folder, of the file into which vireon-scenes draws a scene: PNG for 8 bits, else
-/// EXR, whose pictures come out of `vireon render` with all bits of the frame.
+/// Name, without folder, of the file of a scene: PNG for 8 and 16 bits, EXR for float.
 std::string SceneFileName(const SceneInput& input, std::int32_t bits);
 
-/// Arguments for vireon-scenes that draw a scene into a file.
-std::vector<std::string> SceneArguments(const SceneInput& input, const std::string& file);
+/// Arguments for vireon-scenes that draw a scene for a depth, into its file in the working folder.
+std::vector<std::string> SceneArguments(const SceneInput& input, std::int32_t bits);
 
 /// Arguments for vireon that render a case from scene files in the working folder into `output`.
 std::vector<std::string> RenderArguments(const GoldenCase& golden, const std::string& output);

@@ -116,7 +116,7 @@ void CheckAll(Renderer& renderer, const std::string& run, const std::string& tit
               const GoldenPrograms& programs, bool accept) {
     const GoldenSet set = TheSet();
     const fs::path folder = FreshFolder(run);
-    SceneFolder scenes(programs.scenes, folder);
+    SceneFolder scenes(folder);
     PictureReport report(folder, title);
     const Tolerance& tolerance = ToleranceOf(renderer.client.simd());
     for (const GoldenCase& golden : set.cases()) {
@@ -204,6 +204,15 @@ TEST_F(Golden, NoPictureIsLeftOver) {
     }
 }
 
+TEST_F(Golden, TheReferencesStaySmall) {
+    if (accepts()) GTEST_SKIP() << "pictures are being accepted";
+    constexpr std::uintmax_t kMostBytes = 1'500'000;
+    const GoldenSet set = TheSet();
+    std::uintmax_t bytes = 0;
+    for (const GoldenCase& golden : set.cases()) bytes += fs::file_size(set.fileOf(golden));
+    EXPECT_LE(bytes, kMostBytes);
+}
+
 TEST_F(Golden, NoTwoCasesShowTheSame) {
     if (accepts()) GTEST_SKIP() << "pictures are being accepted";
     const GoldenSet set = TheSet();
@@ -261,7 +270,7 @@ TEST_F(Golden, AcceptsThePicturesThatWereNamed) {
     Renderer renderer = Native();
     ASSERT_NE(renderer.client.simd(), "plain") << "references are made by the fast forms";
     const fs::path folder = FreshFolder("accept");
-    SceneFolder scenes(Programs().scenes, folder);
+    SceneFolder scenes(folder);
     int changed = 0;
     for (const GoldenCase& golden : set.cases()) {
         if (!chosen.contains(golden.name)) continue;
