@@ -17,10 +17,11 @@ else()
 endif()
 
 # vireon_add_test(<target> SOURCES <files> [LIBS <targets>] [ENV <NAME=value>...] [LABELS <labels>]
-#                 [DEPENDS <targets>] [TIMEOUT <seconds>] [PREFIX <text>])
-# PREFIX goes before the names of the test cases where each is a test of its own.
+#                 [DEPENDS <targets>] [TIMEOUT <seconds>] [PREFIX <text>] [WHOLE])
+# PREFIX goes before the names of the test cases where each is a test of its own. WHOLE makes one
+# test of the executable on all systems: for many quick cases behind a start that loads a lot.
 function(vireon_add_test target)
-    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "TIMEOUT;PREFIX" "SOURCES;LIBS;ENV;LABELS;DEPENDS")
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "WHOLE" "TIMEOUT;PREFIX" "SOURCES;LIBS;ENV;LABELS;DEPENDS")
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 300)
     endif()
@@ -36,7 +37,7 @@ function(vireon_add_test target)
     if(ARG_DEPENDS)
         add_dependencies(${target} ${ARG_DEPENDS})
     endif()
-    if(CMAKE_CROSSCOMPILING)
+    if(CMAKE_CROSSCOMPILING OR ARG_WHOLE)
         add_test(NAME ${target} COMMAND ${target} --gtest_brief=1)
         set_tests_properties(${target} PROPERTIES TIMEOUT ${ARG_TIMEOUT}
                              ENVIRONMENT "${ARG_ENV}" LABELS "${ARG_LABELS}")
