@@ -1,90 +1,76 @@
 #include "shapes/brush_file.h"
 
-#include <charconv>
-#include <cmath>
-#include <cstdio>
-#include <memory>
 #include <optional>
 #include <string_view>
-#include <system_error>
 
-#include "platform/files.h"
+#include "shapes/brush_lines.h"
 
 namespace vireon {
 namespace {
 
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
+constexpr std::size_t kTextKept = 40;
 
-class LineReader {
-  public:
-    explicit LineReader(const platform::Path& path) : file_(platform::OpenText(path)) {}
-    bool isOpen() const { return file_ != nullptr; }
+// A file that goes on for ever is not read for ever.
+constexpr int kLinesLookedAtBehind = 1000;
 
-    /// The next line, or the next piece of a long one; none at the end of the file.
-    std::optional<std::string_view> next() {
-        if (std::fgets(buffer_, sizeof buffer_, file_.get()) == nullptr) return std::nullopt;
-        return std::string_view(buffer_);
+void NoteSample(const BrushLines& lines, std::string_view line, SampleReading reading,
+                BrushFileNotes& notes) {
+    ++notes.samples;
+    if (lines.isContinued() && notes.firstLongLine == 0) notes.firstLongLine = lines.number();
+    BrushFileNotes::Lines& of = notes.of(reading);
+    if (of.count++ > 0) return;
+    of.first = lines.number();
+    if (reading != SampleReading::kNumber) of.text = line.substr(0, kTextKept);
+}
+
+void NoteLinesBehind(BrushLines& lines, BrushFileNotes& notes) {
+    for (int i = 0; i < kLinesLookedAtBehind; ++i) {
+        const auto line = lines.next();
+        if (!line) return;
+        if (line->find_first_not_of(" \t\n\v\f\r") != std::string_view::npos) {
+            notes.firstLineBehind = lines.number();
+            return;
+        }
     }
-
-  private:
-    std::unique_ptr<std::FILE, FileCloser> file_;
-    char buffer_[1024];
-};
-
-std::string_view SkipBlanks(std::string_view text) {
-    const std::size_t start = text.find_first_not_of(" \t\n\v\f\r");
-    return start == std::string_view::npos ? std::string_view() : text.substr(start);
-}
-
-// The converters know no plus sign; a sign that follows another one is no number.
-std::string_view SkipPlus(std::string_view text) {
-    const bool signedNumber = text.size() > 1 && text[0] == '+' && text[1] != '-';
-    return signedNumber ? text.substr(1) : text;
-}
-
-std::int32_t ParseInteger(std::string_view line) {
-    const std::string_view text = SkipPlus(SkipBlanks(line));
-    std::int32_t value = 0;
-    std::from_chars(text.data(), text.data() + text.size(), value);
-    return value;
-}
-
-float ParseSample(std::string_view line) {
-    const std::string_view text = SkipPlus(SkipBlanks(line));
-    double value = 0.0;
-    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), value);
-    // Out of a double's range means too small to matter or not finite.
-    if (parsed.ec != std::errc()) return 0.0f;
-    const auto sample = static_cast<float>(value);
-    return std::isfinite(sample) ? sample : 0.0f;
 }
 
 }  // namespace
 
-GlowKernel ReadBrushFile(const platform::Path& path) {
+GlowKernel ReadBrushFile(const platform::Path& path, BrushFileNotes* notes) {
     GlowKernel kernel;
-    LineReader lines(path);
-    if (!lines.isOpen()) return kernel;
+    BrushLines lines(path);
+    BrushFileNotes unwanted;
+    BrushFileNotes& met = notes != nullptr ? *notes : unwanted;
+    met.isOpen = lines.isOpen();
 
-    auto line = lines.next();
+    const auto headerLine = [&lines, &met] {
+        const auto line = lines.next();
+        met.headerLines += line ? 1 : 0;
+        if (line && lines.isContinued() && met.firstLongLine == 0) {
+            met.firstLongLine = lines.number();
+        }
+        return line;
+    };
+    auto line = headerLine();
     if (!line) return kernel;
-    kernel.width = ParseInteger(*line);
-    line = lines.next();
+    kernel.width = ParseBrushSize(*line);
+    line = headerLine();
     if (!line) return kernel;
-    const std::int32_t height = ParseInteger(*line);
-    if (!lines.next()) return kernel;
+    const std::int32_t height = ParseBrushSize(*line);
+    if (!headerLine()) return kernel;
     kernel.height = height;
     if (kernel.width != kBrushSize || kernel.height != kBrushSize) return kernel;
 
     kernel.allocate(kBrushSize, kBrushSize);
-    for (float& sample : kernel.values) {
+    for (float& value : kernel.values) {
         line = lines.next();
         if (!line) break;
-        sample = ParseSample(*line);
+        const BrushSample sample = ParseBrushSample(*line);
+        value = sample.value;
+        if (notes != nullptr) NoteSample(lines, *line, sample.reading, met);
     }
     kernel.flagEmptyRows();
+    if (notes != nullptr && line) NoteLinesBehind(lines, met);
     return kernel;
 }
 
