@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "tools/vireon/commands/brush.h"
 #include "tools/vireon/commands/describe.h"
 #include "tools/vireon/commands/render.h"
 #include "tools/vireon/commands/shapes.h"
@@ -37,18 +38,30 @@ int Fail(ExitCode code, std::string text) {
     return code;
 }
 
-void RejectUnknownCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
-    if (arguments.empty() || arguments.front().substr(0, 1) == "-") {
-        return;
-    }
+std::vector<std::string> CommandsOf(const CLI::App& app) {
     std::vector<std::string> commands;
     for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
         commands.push_back(command->get_name());
     }
-    if (!std::count(commands.begin(), commands.end(), arguments.front())) {
-        throw ToolError(kBadCommandLine, "there is no command \"" + arguments.front() + "\"" +
-                                             Suggestion(arguments.front(), commands) +
-                                             "; vireon --help lists them");
+    return commands;
+}
+
+/// Looks at the first argument and, where that is a command with commands of its own, at the next.
+void RejectUnknownCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
+    const CLI::App* of = &app;
+    std::string path;
+    for (const std::string& argument : arguments) {
+        const std::vector<std::string> commands = CommandsOf(*of);
+        if (commands.empty() || argument.substr(0, 1) == "-") {
+            return;
+        }
+        if (!std::count(commands.begin(), commands.end(), argument)) {
+            throw ToolError(kBadCommandLine, "there is no command \"" + path + argument + "\"" +
+                                                 Suggestion(argument, commands, path) +
+                                                 "; vireon " + path + "--help lists them");
+        }
+        of = of->get_subcommand(argument);
+        path += argument + " ";
     }
 }
 
@@ -72,6 +85,7 @@ int Run(const std::vector<std::string>& arguments) {
     RenderCommand render(app);
     DescribeCommand describe(app);
     ShapesCommand shapes(app);
+    BrushCommand brush(app);
 
     const bool wantsHelp = Contains(arguments, "--help") || Contains(arguments, "-h");
     if (!arguments.empty() && arguments.front() == "render") {
@@ -95,6 +109,8 @@ int Run(const std::vector<std::string>& arguments) {
         describe.run();
     } else if (shapes.wasChosen()) {
         shapes.run();
+    } else if (brush.wasChosen()) {
+        brush.run();
     }
     return kSuccess;
 }

@@ -21,7 +21,7 @@ constexpr ExitCodeMeaning kMeanings[] = {
     {kEffectHung, "the effect hung and was ended"},
     {kEffectMisbehaved, "the effect wrote where it must not, or leaked; its frame is lost"},
     {kProtocolError, "tool and worker do not understand each other"},
-    {kShapesMissing, "brush files are missing or damaged (shapes)"},
+    {kShapesMissing, "brush files are missing or damaged"},
     {kInterrupted, "interrupted (Ctrl-C)"},
     {kTerminated, "terminated"},
 };

@@ -140,7 +140,18 @@ double PixelAspect(const OIIO::ImageSpec& spec, const std::string& fileFormat) {
     return aspect > 0.0f ? static_cast<double>(aspect) : 1.0;
 }
 
-Color FileColor(const PictureFile& file, std::size_t at) {
+}  // namespace
+
+std::int32_t PictureFile::naturalBits() const {
+    switch (format) {
+        case SampleFormat::k8: return 8;
+        case SampleFormat::k16: return 16;
+        default: return 32;
+    }
+}
+
+Color FileColor(const PictureFile& file, std::size_t pixel) {
+    const std::size_t at = pixel * 4;
     const auto color = [at](const auto& samples, double white) {
         return Color{static_cast<double>(samples[at]) / white,
                      static_cast<double>(samples[at + 1]) / white,
@@ -154,17 +165,7 @@ Color FileColor(const PictureFile& file, std::size_t at) {
     }
 }
 
-}  // namespace
-
-std::int32_t PictureFile::naturalBits() const {
-    switch (format) {
-        case SampleFormat::k8: return 8;
-        case SampleFormat::k16: return 16;
-        default: return 32;
-    }
-}
-
-PictureFile ReadPictureFile(const std::filesystem::path& path) {
+PictureFile ReadPictureFile(const std::filesystem::path& path, std::int64_t mostPixels) {
     CheckFile(path);
     const QuietErrors quiet;
     OIIO::ImageSpec wishes;
@@ -182,6 +183,12 @@ PictureFile ReadPictureFile(const std::filesystem::path& path) {
         Unreadable(path, "its size of " + std::to_string(spec.width) + " x " +
                              std::to_string(spec.height) + " is not between 1 and " +
                              std::to_string(kLargest));
+    }
+    if (std::int64_t{spec.width} * spec.height > mostPixels) {
+        Unreadable(path, "its size of " + std::to_string(spec.width) + " x " +
+                             std::to_string(spec.height) + " is beyond the " +
+                             std::to_string(mostPixels / 1000000) +
+                             " million pixels that are taken here; make it smaller");
     }
     if (spec.nchannels < 1) {
         Unreadable(path, "it has no channels");
@@ -229,10 +236,10 @@ PictureFile ReadPictureFile(const std::filesystem::path& path) {
 
 headless::Picture ToHostPicture(const PictureFile& file, std::int32_t bits) {
     headless::Picture picture(file.width, file.height, bits);
-    std::size_t at = 0;
+    std::size_t pixel = 0;
     for (std::int32_t y = 0; y < file.height; ++y) {
-        for (std::int32_t x = 0; x < file.width; ++x, at += 4) {
-            const Color color = FileColor(file, at);
+        for (std::int32_t x = 0; x < file.width; ++x, ++pixel) {
+            const Color color = FileColor(file, pixel);
             SetPixel(picture, x, y, file.isAssociated ? Straight(color) : color);
         }
     }

@@ -1,13 +1,16 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <string>
 #include <vector>
 
 #include <OpenImageIO/imageio.h>
 
 #include "headless/remote/picture.h"
+#include "tools/vireon/samples.h"
 
 namespace vireon::tool {
 
@@ -40,8 +43,13 @@ struct PictureFile {
 };
 
 /// Reads the first picture of a file. Throws ToolError (kInputUnreadable) for every error, also
-/// when only a part of the pixels could be read.
-PictureFile ReadPictureFile(const std::filesystem::path& path);
+/// when only a part of the pixels could be read, and for pictures of more than `mostPixels`.
+PictureFile ReadPictureFile(const std::filesystem::path& path,
+                            std::int64_t mostPixels = std::numeric_limits<std::int64_t>::max());
+
+/// A pixel as the file has it, counted in rows from the top; `isAssociated` says what its colour
+/// is.
+Color FileColor(const PictureFile& file, std::size_t pixel);
 
 /// The picture as a host holds it: straight colour, 8 or 16 bits or float. No colour space is
 /// converted.

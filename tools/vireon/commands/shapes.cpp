@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <string>
+#include <vector>
 
-#include "tools/brushes/shapes.h"
-#include "tools/vireon/brush_check.h"
+#include "tools/vireon/brush_findings.h"
+#include "tools/vireon/brush_folder.h"
 #include "tools/vireon/commands/common.h"
 #include "tools/vireon/tool_error.h"
 
@@ -14,12 +15,12 @@ namespace vireon::tool {
 namespace {
 
 /// The file of a shape; null for the shape that comes from a layer.
-const char* FileOf(const std::string& shapeName) {
-    const auto shapes = brushes::Shapes();
-    const auto found = std::find_if(shapes.begin(), shapes.end(), [&](const brushes::Shape& shape) {
-        return shapeName == shape.name;
+const BrushFileReport* FileOf(const std::string& shapeName,
+                              const std::vector<BrushFileReport>& files) {
+    const auto found = std::find_if(files.begin(), files.end(), [&](const BrushFileReport& file) {
+        return shapeName == file.shape;
     });
-    return found == shapes.end() ? nullptr : found->fileName;
+    return found == files.end() ? nullptr : &*found;
 }
 
 }  // namespace
@@ -42,31 +43,33 @@ void ShapesCommand::run() {
     if (shape == parameters.end()) {
         throw ToolError(kNotAnEffect, PluginPath(plugin_).string() + " has no popup \"Shape\"");
     }
+    const std::filesystem::path folder = BrushFolder(PluginPath(plugin_));
+    const std::vector<BrushFileReport> files = InspectBrushFolder(folder);
     if (namesOnly_) {
         for (const std::string& choice : shape->choices()) {
-            if (FileOf(choice) != nullptr) std::printf("%s\n", choice.c_str());
+            if (FileOf(choice, files) != nullptr) std::printf("%s\n", choice.c_str());
         }
         return;
     }
-    const std::filesystem::path folder = BrushFolder(PluginPath(plugin_));
     std::printf("brush files in %s\n", folder.c_str());
     int faults = 0;
     for (const std::string& choice : shape->choices()) {
-        const char* const file = FileOf(choice);
+        const BrushFileReport* const file = FileOf(choice, files);
         if (file == nullptr) {
             std::printf("  %-22s (from a layer)\n", choice.c_str());
             continue;
         }
-        const std::string fault = BrushFault(folder / file);
+        const std::string fault = FirstFault(file->report);
         faults += fault.empty() ? 0 : 1;
-        std::printf("  %-22s %-22s %s\n", choice.c_str(), file,
+        std::printf("  %-22s %-22s %s\n", choice.c_str(), file->file.c_str(),
                     fault.empty() ? "ok" : fault.c_str());
     }
     if (faults > 0) {
         throw ToolError(kShapesMissing, std::to_string(faults) + " brush files in " +
                                             folder.string() +
                                             " are missing or damaged: put them there or name "
-                                            "another folder in ORVANTE_QUILLON_SVG_DIR");
+                                            "another folder in ORVANTE_QUILLON_SVG_DIR (vireon "
+                                            "brush check tells more)");
     }
 }
 
