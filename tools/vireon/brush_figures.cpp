@@ -38,8 +38,14 @@ BrushFigures FiguresOf(const GlowKernel& kernel) {
         }
     }
     if (figures.sum > 0) {
-        figures.offsetX = momentX / figures.sum;
-        figures.offsetY = momentY / figures.sum;
+        // Below a millionth of a texel there is only rounding, whose sign would be shown.
+        constexpr double kRounding = 1e-6;
+        const auto offset = [&figures](double moment) {
+            const double texels = moment / figures.sum;
+            return std::abs(texels) < kRounding ? 0.0 : texels;
+        };
+        figures.offsetX = offset(momentX);
+        figures.offsetY = offset(momentY);
         for (std::size_t i = 0; i < within.size(); ++i) {
             figures.share[i] = within[i] / figures.sum;
         }

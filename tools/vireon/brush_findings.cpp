@@ -22,8 +22,9 @@ namespace {
 
 constexpr std::int32_t kSamples = kBrushSize * kBrushSize;
 
-/// Offsets of the centre of mass beyond this many texels are told.
-constexpr double kLargestOffset = 2.0;
+/// Offsets of the centre of mass beyond this many texels are told: an eighth of the radius. A shape
+/// may well be lopsided, as a tree is.
+constexpr double kLargestOffset = 16.0;
 
 /// Energies beyond this factor of that of our brushes are told.
 constexpr double kEnergyFactor = 2.0;

@@ -285,24 +285,49 @@ void NoteBrightSides(const Plane& plane, const Placing& placing, double windowSt
     }
 }
 
+/// Finds the place in a picture, in pixels along one direction, that brings the centre of mass to
+/// the centre. A step by the offset itself would do if the window did not change what is weighed;
+/// the next step allows for how the last one worked.
+class CentreSearch {
+  public:
+    /// Where to try next, from a place and the offset in texels that it led to.
+    double next(double place, double offset, double texels) {
+        constexpr double kLeastResponse = 0.1;
+        constexpr double kMostResponse = 2.0;
+        double response = 1.0;
+        if (step_ != 0.0) {
+            response = std::clamp((offset_ - offset) / step_, kLeastResponse, kMostResponse);
+        }
+        offset_ = offset;
+        step_ = offset / response;
+        return place + step_ / texels;
+    }
+
+  private:
+    double offset_ = 0;
+    double step_ = 0;  ///< last step in texels
+};
+
 }  // namespace
 
 MadeBrush MakeBrush(const PictureFile& picture, const BrushMaking& making) {
     MadeBrush made;
     const Plane plane = LightOf(picture, making, made.notes);
     Placing placing = FirstPlacing(picture, plane, making);
+    Placing placed;
     Balance balance;
+    CentreSearch across;
+    CentreSearch down;
     for (int round = 0; round < kMostRounds; ++round) {
-        made.samples = Resampled(plane, placing);
+        placed = placing;
+        made.samples = Resampled(plane, placed);
         balance = Fade(made.samples, making.windowStart);
         if (making.centring != BrushCentring::kMass || balance.sum <= 0 ||
             balance.offset() < kCentredWithin) {
             break;
         }
-        if (round + 1 < kMostRounds) {
-            placing.centreX += balance.offsetX / placing.texelsX;
-            placing.centreY += balance.offsetY / placing.texelsY;
-        }
+        placing.centreX = across.next(placed.centreX, balance.offsetX, placed.texelsX);
+        placing.centreY = down.next(placed.centreY, balance.offsetY, placed.texelsY);
     }
     if (balance.sum <= 0) {
         Refuse("none of its light lies within the brush; choose another --centre");
@@ -312,8 +337,8 @@ MadeBrush MakeBrush(const PictureFile& picture, const BrushMaking& making) {
             "the centre of mass could not be brought to the brush's centre, because light that "
             "comes in on one side outweighs what goes out on the other; try --centre picture");
     }
-    NoteLostLight(plane, placing, balance.sum, made.notes);
-    NoteBrightSides(plane, placing, making.windowStart, made.notes);
+    NoteLostLight(plane, placed, balance.sum, made.notes);
+    NoteBrightSides(plane, placed, making.windowStart, made.notes);
     for (double& sample : made.samples) {
         sample *= making.energy / balance.sum;
     }

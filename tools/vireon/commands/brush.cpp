@@ -1,5 +1,7 @@
 #include "tools/vireon/commands/brush.h"
 
+#include "tools/vireon/tool_error.h"
+
 namespace vireon::tool {
 
 BrushCommand::BrushCommand(CLI::App& app)
@@ -7,7 +9,7 @@ BrushCommand::BrushCommand(CLI::App& app)
       show_(*command_),
       make_(*command_),
       check_(*command_) {
-    command_->require_subcommand(1);
+    command_->require_subcommand(0, 1);
     command_->footer(
         "The effect reads its brushes from the folder Vireon/Brush beside it. A folder of your "
         "own\nis chosen by the environment variable ORVANTE_QUILLON_SVG_DIR; it has to hold every "
@@ -22,6 +24,10 @@ void BrushCommand::run() {
         make_.run();
     } else if (check_.wasChosen()) {
         check_.run();
+    } else {
+        throw ToolError(kBadCommandLine,
+                        "a command is wanted: vireon brush show, make or check (vireon brush "
+                        "--help tells more)");
     }
 }
 

@@ -140,8 +140,10 @@ BrushMakeCommand::BrushMakeCommand(CLI::App& brush)
     command_->footer(
         "A brush is 256 x 256 texels; the light lies on texel (128, 128), and from distance 127 "
         "on\neverything is zero. Its sum is that of the effect's own shapes, so that a change of "
-        "shape\nkeeps the brightness of the glow. The effect uses the file under the name of one "
-        "of its\nshapes, in a folder that ORVANTE_QUILLON_SVG_DIR names; see vireon brush check.");
+        "shape\nkeeps the brightness of the glow. Levels are taken as they stand; 16 bits or "
+        "float keep faint\ntails that end in steps at 8 bits. The effect uses the file under the "
+        "name of one of its\nshapes, in a folder that ORVANTE_QUILLON_SVG_DIR names; see vireon "
+        "brush check.");
 }
 
 BrushMaking BrushMakeCommand::readSettings() const {
