@@ -103,7 +103,7 @@ TEST_F(ShapesOfTheEffect, AreMissedElsewhere) {
     EXPECT_EQ(outcome.code(), 17);
     EXPECT_EQ(outcome.errorLines(), 1);
     ExpectIn(outcome.errors, "13 brush files");
-    ExpectIn(outcome.output, "No such file");
+    ExpectIn(outcome.output, "is missing");
 }
 
 }  // namespace

@@ -58,11 +58,15 @@ std::string Quoted(std::string text) {
 }
 
 std::string FirstBytes(const std::filesystem::path& path) {
-    std::string bytes(64, '\0');
+    std::string bytes(4096, '\0');
     std::ifstream stream(path, std::ios::binary);
     stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<std::size_t>(stream.gcount()));
     return bytes;
+}
+
+bool IsControl(char c) {
+    return static_cast<unsigned char>(c) < ' ' && (c < '\t' || c > '\r');
 }
 
 /// Why a file whose header makes no sense is perhaps no plain text; empty when it may well be.
@@ -79,8 +83,8 @@ std::string EncodingFault(const std::filesystem::path& path) {
         return "begins with the byte order mark of UTF-8, which the effect takes for part of the "
                "width: save it without";
     }
-    if (start.find('\0') != std::string_view::npos) {
-        return "is no text: there are zero bytes in it";
+    if (std::any_of(start.begin(), start.end(), IsControl)) {
+        return "is no text: there are zero bytes or control characters in it";
     }
     return {};
 }

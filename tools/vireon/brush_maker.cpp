@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 #include "image/exact_math.h"
 #include "tools/brushes/series.h"
@@ -125,26 +126,34 @@ struct Taps {
     std::vector<double> weights;
 };
 
-/// `texels` is the length of a pixel in texels, `centre` the place in pixels that texel 128 shows.
+/// Integral from -1 to `x` of the triangle that is 1 at 0 and 0 at -1 and 1.
+double TriangleUpTo(double x) {
+    const double inside = std::clamp(x, -1.0, 1.0);
+    return inside < 0.0 ? 0.5 * (1.0 + inside) * (1.0 + inside)
+                        : 1.0 - 0.5 * (1.0 - inside) * (1.0 - inside);
+}
+
+/// Integral up to `x` of a box of width 1 around 0.
+double BoxUpTo(double x) {
+    return std::clamp(x + 0.5, 0.0, 1.0);
+}
+
+/// Texels are means over their areas: of the pixels as they lie, or, where these are larger than
+/// texels, of what lies between them in a straight line. `texels` is the length of a pixel in
+/// texels, `centre` the place in pixels that texel 128 shows.
 std::vector<Taps> TapsFor(int pixels, double texels, double centre) {
+    const auto upTo = texels > 1.0 ? TriangleUpTo : BoxUpTo;
     std::vector<Taps> all(kSize);
     for (int i = 0; i < kSize; ++i) {
         Taps& taps = all[static_cast<std::size_t>(i)];
-        // Half the width of what a texel gathers: its own, or that between neighbours where pixels
-        // are larger.
-        const double middle = centre + (i - kCentre) / texels;
-        const bool enlarges = texels > 1.0;
-        const double reach = enlarges ? 1.0 : 0.5 / texels;
-        const double from = middle - reach;
-        const double to = middle + reach;
-        const double first = std::floor(std::clamp(from - 1.0, 0.0, pixels - 1.0));
-        const double last = std::floor(std::clamp(to + 1.0, 0.0, pixels - 1.0));
+        const double from = centre + (i - kCentre - 0.5) / texels;
+        const double to = centre + (i - kCentre + 0.5) / texels;
+        const double first = std::floor(std::clamp(from - 2.0, 0.0, pixels - 1.0));
+        const double last = std::floor(std::clamp(to + 2.0, 0.0, pixels - 1.0));
         taps.first = static_cast<int>(first);
         for (int p = taps.first; p <= static_cast<int>(last); ++p) {
-            const double weight =
-                enlarges ? std::max(0.0, 1.0 - std::abs(p + 0.5 - middle))
-                         : std::max(0.0, std::min(p + 1.0, to) - std::max(p + 0.0, from)) * texels;
-            taps.weights.push_back(weight);
+            const double middle = p + 0.5;
+            taps.weights.push_back((upTo(to - middle) - upTo(from - middle)) * texels);
         }
     }
     return all;
@@ -285,50 +294,64 @@ void NoteBrightSides(const Plane& plane, const Placing& placing, double windowSt
     }
 }
 
-/// Finds the place in a picture, in pixels along one direction, that brings the centre of mass to
-/// the centre. A step by the offset itself would do if the window did not change what is weighed;
-/// the next step allows for how the last one worked.
-class CentreSearch {
-  public:
-    /// Where to try next, from a place and the offset in texels that it led to.
-    double next(double place, double offset, double texels) {
-        constexpr double kLeastResponse = 0.1;
-        constexpr double kMostResponse = 2.0;
-        double response = 1.0;
-        if (step_ != 0.0) {
-            response = std::clamp((offset_ - offset) / step_, kLeastResponse, kMostResponse);
-        }
-        offset_ = offset;
-        step_ = offset / response;
-        return place + step_ / texels;
-    }
-
-  private:
-    double offset_ = 0;
-    double step_ = 0;  ///< last step in texels
+/// A place in the picture that was tried, and what came of it.
+struct Trial {
+    Placing placing;
+    std::vector<double> samples;
+    Balance balance;
 };
+
+Trial Try(const Plane& plane, const Placing& placing, double windowStart) {
+    Trial trial{placing, Resampled(plane, placing), {}};
+    trial.balance = Fade(trial.samples, windowStart);
+    return trial;
+}
+
+/// How much of a step of `texels` came off the offset; a whole step would if the window did not
+/// change what is weighed.
+double Response(double texels, double before, double after) {
+    constexpr double kLeast = 0.1;
+    constexpr double kMost = 2.0;
+    return texels == 0.0 ? 1.0 : std::clamp((before - after) / texels, kLeast, kMost);
+}
+
+/// Moves a picture until its centre of mass lies on the centre, as near as it comes: by steps that
+/// allow for how the last one worked, and by half of a step that did not help.
+Trial CentreByMass(const Plane& plane, const Placing& start, double windowStart) {
+    Trial best = Try(plane, start, windowStart);
+    double stepX = best.balance.offsetX;
+    double stepY = best.balance.offsetY;
+    for (int round = 1;
+         round < kMostRounds && best.balance.sum > 0 && best.balance.offset() >= kCentredWithin;
+         ++round) {
+        Placing placing = best.placing;
+        placing.centreX += stepX / placing.texelsX;
+        placing.centreY += stepY / placing.texelsY;
+        Trial trial = Try(plane, placing, windowStart);
+        if (trial.balance.sum <= 0 || trial.balance.offset() >= best.balance.offset()) {
+            stepX *= 0.5;
+            stepY *= 0.5;
+            continue;
+        }
+        stepX =
+            trial.balance.offsetX / Response(stepX, best.balance.offsetX, trial.balance.offsetX);
+        stepY =
+            trial.balance.offsetY / Response(stepY, best.balance.offsetY, trial.balance.offsetY);
+        best = std::move(trial);
+    }
+    return best;
+}
 
 }  // namespace
 
 MadeBrush MakeBrush(const PictureFile& picture, const BrushMaking& making) {
     MadeBrush made;
     const Plane plane = LightOf(picture, making, made.notes);
-    Placing placing = FirstPlacing(picture, plane, making);
-    Placing placed;
-    Balance balance;
-    CentreSearch across;
-    CentreSearch down;
-    for (int round = 0; round < kMostRounds; ++round) {
-        placed = placing;
-        made.samples = Resampled(plane, placed);
-        balance = Fade(made.samples, making.windowStart);
-        if (making.centring != BrushCentring::kMass || balance.sum <= 0 ||
-            balance.offset() < kCentredWithin) {
-            break;
-        }
-        placing.centreX = across.next(placed.centreX, balance.offsetX, placed.texelsX);
-        placing.centreY = down.next(placed.centreY, balance.offsetY, placed.texelsY);
-    }
+    const Placing placing = FirstPlacing(picture, plane, making);
+    Trial placed = making.centring == BrushCentring::kMass
+                       ? CentreByMass(plane, placing, making.windowStart)
+                       : Try(plane, placing, making.windowStart);
+    const Balance& balance = placed.balance;
     if (balance.sum <= 0) {
         Refuse("none of its light lies within the brush; choose another --centre");
     }
@@ -337,8 +360,9 @@ MadeBrush MakeBrush(const PictureFile& picture, const BrushMaking& making) {
             "the centre of mass could not be brought to the brush's centre, because light that "
             "comes in on one side outweighs what goes out on the other; try --centre picture");
     }
-    NoteLostLight(plane, placed, balance.sum, made.notes);
-    NoteBrightSides(plane, placed, making.windowStart, made.notes);
+    NoteLostLight(plane, placed.placing, balance.sum, made.notes);
+    NoteBrightSides(plane, placed.placing, making.windowStart, made.notes);
+    made.samples = std::move(placed.samples);
     for (double& sample : made.samples) {
         sample *= making.energy / balance.sum;
     }
