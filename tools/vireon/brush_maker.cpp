@@ -24,7 +24,7 @@ constexpr double kFitted = 2.0 * kRim;
 /// cannot undo it.
 constexpr double kCentredWithin = 0.002;
 constexpr double kCentredPromise = 0.01;
-constexpr int kMostRounds = 60;
+constexpr int kMostRounds = 100;
 
 [[noreturn]] void Refuse(const std::string& reason) {
     throw ToolError(kInputUnreadable, "cannot make a brush of this picture: " + reason);
@@ -315,31 +315,36 @@ double Response(double texels, double before, double after) {
     return texels == 0.0 ? 1.0 : std::clamp((before - after) / texels, kLeast, kMost);
 }
 
-/// Moves a picture until its centre of mass lies on the centre, as near as it comes: by steps that
-/// allow for how the last one worked, and by half of a step that did not help.
+/// Moves a picture until its centre of mass lies on the centre, as near as it comes. A step by the
+/// offset always leads there in the end, but creeps where light enters on one side as it leaves on
+/// the other; longer steps, by how the last one worked, are taken where they help.
 Trial CentreByMass(const Plane& plane, const Placing& start, double windowStart) {
-    Trial best = Try(plane, start, windowStart);
-    double stepX = best.balance.offsetX;
-    double stepY = best.balance.offsetY;
+    Trial now = Try(plane, start, windowStart);
+    double stepX = now.balance.offsetX;
+    double stepY = now.balance.offsetY;
+    bool isPlain = true;
     for (int round = 1;
-         round < kMostRounds && best.balance.sum > 0 && best.balance.offset() >= kCentredWithin;
+         round < kMostRounds && now.balance.sum > 0 && now.balance.offset() >= kCentredWithin;
          ++round) {
-        Placing placing = best.placing;
+        Placing placing = now.placing;
         placing.centreX += stepX / placing.texelsX;
         placing.centreY += stepY / placing.texelsY;
-        Trial trial = Try(plane, placing, windowStart);
-        if (trial.balance.sum <= 0 || trial.balance.offset() >= best.balance.offset()) {
-            stepX *= 0.5;
-            stepY *= 0.5;
+        Trial next = Try(plane, placing, windowStart);
+        const bool helped = next.balance.sum > 0 && next.balance.offset() < now.balance.offset();
+        if (!helped && !isPlain) {
+            stepX = now.balance.offsetX;
+            stepY = now.balance.offsetY;
+            isPlain = true;
             continue;
         }
-        stepX =
-            trial.balance.offsetX / Response(stepX, best.balance.offsetX, trial.balance.offsetX);
-        stepY =
-            trial.balance.offsetY / Response(stepY, best.balance.offsetY, trial.balance.offsetY);
-        best = std::move(trial);
+        const double across = Response(stepX, now.balance.offsetX, next.balance.offsetX);
+        const double down = Response(stepY, now.balance.offsetY, next.balance.offsetY);
+        isPlain = !helped;
+        stepX = next.balance.offsetX / (helped ? across : 1.0);
+        stepY = next.balance.offsetY / (helped ? down : 1.0);
+        now = std::move(next);
     }
-    return best;
+    return now;
 }
 
 }  // namespace

@@ -189,7 +189,9 @@ TEST(BrushMaker, ChannelsAreLightMultipliedByAlpha) {
     BrushMaking making;
     making.centring = BrushCentring::kPicture;
     const auto left = [](const MadeBrush& made) { return At(made, 128 - 84, 128) > 0; };
-    const auto middle = [](const MadeBrush& made) { return At(made, 128, 128) > 0; };
+    const auto middle = [](const MadeBrush& made) {
+        return At(made, 128, 128) > 0.01 * At(made, 128 - 84, 128);
+    };
     making.channel = BrushChannel::kRed;
     EXPECT_TRUE(left(MakeBrush(picture, making)));
     EXPECT_FALSE(middle(MakeBrush(picture, making)));
@@ -200,7 +202,7 @@ TEST(BrushMaker, ChannelsAreLightMultipliedByAlpha) {
     EXPECT_NEAR(At(luminance, 128 - 84, 128) / At(luminance, 128, 128), 0.2126 / 0.7152, 0.01);
     making.channel = BrushChannel::kAlpha;
     EXPECT_NEAR(At(MakeBrush(picture, making), 128 - 84, 128),
-                At(MakeBrush(picture, making), 128, 128), 1e-9);
+                At(MakeBrush(picture, making), 128, 128), 1e-3);
     // Blue is there in the file, but transparent; where colour is stored as light it counts.
     making.channel = BrushChannel::kBlue;
     ExpectError(kInputUnreadable, [&] { MakeBrush(picture, making); });
@@ -218,9 +220,9 @@ TEST(BrushMaker, InvertingLeavesTheTransparentDark) {
     making.centring = BrushCentring::kPicture;
     making.isInverted = true;
     const MadeBrush made = MakeBrush(picture, making);
-    EXPECT_GT(At(made, 128 - 84, 128), 0.0);
-    EXPECT_NEAR(At(made, 128, 128), 0.0, 1e-12);
-    EXPECT_NEAR(At(made, 128 + 84, 128), 0.0, 1e-12);
+    // What lies between two pixels reaches a little into the middle of either.
+    EXPECT_LT(At(made, 128, 128), 0.01 * At(made, 128 - 84, 128));
+    EXPECT_EQ(At(made, 128 + 84, 128), 0.0);
 }
 
 TEST(BrushMaker, GammaIsAPowerOfTheLevels) {
