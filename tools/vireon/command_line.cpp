@@ -8,6 +8,7 @@
 
 #include "tools/vireon/commands/brush.h"
 #include "tools/vireon/commands/describe.h"
+#include "tools/vireon/commands/presets.h"
 #include "tools/vireon/commands/render.h"
 #include "tools/vireon/commands/shapes.h"
 #include "tools/vireon/exit_codes.h"
@@ -86,6 +87,7 @@ int Run(const std::vector<std::string>& arguments) {
     DescribeCommand describe(app);
     ShapesCommand shapes(app);
     BrushCommand brush(app);
+    PresetsCommand presets(app);
 
     const bool wantsHelp = Contains(arguments, "--help") || Contains(arguments, "-h");
     if (!arguments.empty() && arguments.front() == "render") {
@@ -111,6 +113,8 @@ int Run(const std::vector<std::string>& arguments) {
         shapes.run();
     } else if (brush.wasChosen()) {
         brush.run();
+    } else if (presets.wasChosen()) {
+        presets.run();
     }
     return kSuccess;
 }

@@ -9,7 +9,7 @@ constexpr ExitCodeMeaning kMeanings[] = {
     {kBadCommandLine, "the command line is wrong"},
     {kUnknownName, "unknown parameter, layer or choice"},
     {kBadValue, "a value is malformed or out of range"},
-    {kInputUnreadable, "a picture cannot be read as a whole, or has no light for a brush"},
+    {kInputUnreadable, "an input cannot be read as a whole, or has no light for a brush"},
     {kOutputFolderMissing, "the folder of the output does not exist"},
     {kOutputFailed, "the output cannot be written"},
     {kDiskFull, "the disk is full"},

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "tools/vireon/names.h"
+#include "tools/vireon/text_file.h"
 #include "tools/vireon/tool_error.h"
 
 namespace vireon::tool {
@@ -51,9 +52,9 @@ std::optional<double> ParseNumber(std::string_view text) {
     return value;
 }
 
-[[noreturn]] void BadValue(const ParameterOption& option, const std::string& text,
+[[noreturn]] void BadValue(const std::string& where, const std::string& text,
                            const std::string& wanted) {
-    throw ToolError(kBadValue, "--" + option.option + ": \"" + text + "\" is not " + wanted);
+    throw ToolError(kBadValue, where + ": " + Quoted(text) + " is not " + wanted);
 }
 
 std::vector<std::string> SelectableChoices(const ParameterDescription& parameter) {
@@ -62,34 +63,34 @@ std::vector<std::string> SelectableChoices(const ParameterDescription& parameter
     return choices;
 }
 
-double ParseSlider(const ParameterOption& option, const std::string& text) {
-    const ParameterDescription& parameter = option.parameter;
+double ParseSlider(const ParameterDescription& parameter, const std::string& text,
+                   const std::string& where) {
     const std::string range =
         NumberText(parameter.validMin) + " to " + NumberText(parameter.validMax);
     const std::optional<double> value = ParseNumber(text);
     const bool whole = parameter.kind == sdk::PF_Param_SLIDER;
     if (!value || (whole && *value != std::trunc(*value))) {
-        BadValue(option, text, (whole ? "a whole number from " : "a number from ") + range);
+        BadValue(where, text, (whole ? "a whole number from " : "a number from ") + range);
     }
     // The bounds are narrower types than the value; what is written like the bound is the bound.
     const double slack =
         1e-6 * std::max(std::abs(parameter.validMin), std::abs(parameter.validMax));
     if (*value < parameter.validMin - slack || *value > parameter.validMax + slack) {
-        throw ToolError(kBadValue, "--" + option.option + ": " + text + " is out of range; " +
-                                       range + " is possible");
+        throw ToolError(kBadValue,
+                        where + ": " + text + " is out of range; " + range + " is possible");
     }
     return *value;
 }
 
-double ParseAngle(const ParameterOption& option, const std::string& text) {
+double ParseAngle(const std::string& text, const std::string& where) {
     const std::optional<double> value = ParseNumber(text);
     if (!value) {
-        BadValue(option, text, "a number of degrees");
+        BadValue(where, text, "a number of degrees");
     }
     return *value;
 }
 
-double ParseCheckbox(const ParameterOption& option, const std::string& text) {
+double ParseCheckbox(const std::string& text, const std::string& where) {
     static const std::set<std::string> on{"on", "yes", "true", "1"};
     static const std::set<std::string> off{"off", "no", "false", "0"};
     const std::string folded = FoldedText(text);
@@ -97,13 +98,14 @@ double ParseCheckbox(const ParameterOption& option, const std::string& text) {
         return 1;
     }
     if (!off.contains(folded)) {
-        BadValue(option, text, "on or off");
+        BadValue(where, text, "on or off");
     }
     return 0;
 }
 
-double ParsePopup(const ParameterOption& option, const std::string& text) {
-    const std::vector<std::string> choices = option.parameter.choices();
+double ParsePopup(const ParameterDescription& parameter, const std::string& text,
+                  const std::string& where) {
+    const std::vector<std::string> choices = parameter.choices();
     const std::string folded = FoldedText(text);
     std::vector<std::size_t> beginnings;
     for (std::size_t i = 0; i < choices.size(); ++i) {
@@ -121,42 +123,42 @@ double ParsePopup(const ParameterOption& option, const std::string& text) {
     if (beginnings.size() == 1) {
         return static_cast<double>(beginnings.front() + 1);
     }
-    const std::vector<std::string> selectable = SelectableChoices(option.parameter);
-    std::string text2 = "--" + option.option + ": there is no choice \"" + text + "\"";
+    const std::vector<std::string> selectable = SelectableChoices(parameter);
+    std::string message = where + ": there is no choice " + Quoted(text);
     const std::string suggestion = Suggestion(text, selectable);
     if (!suggestion.empty()) {
-        text2 += suggestion;
+        message += suggestion;
     } else {
-        text2 += "; possible are";
+        message += "; possible are";
         for (const std::string& choice : selectable) {
-            text2 += (&choice == &selectable.front() ? " " : ", ") + choice;
+            message += (&choice == &selectable.front() ? " " : ", ") + choice;
         }
     }
-    throw ToolError(kUnknownName, text2);
+    throw ToolError(kUnknownName, message);
 }
 
-double ParseCoordinate(const ParameterOption& option, const std::string& whole,
-                       std::string_view text, std::int32_t size, std::int32_t downsample) {
+double ParseCoordinate(const std::string& where, const std::string& whole, std::string_view text,
+                       std::int32_t size, std::int32_t downsample) {
     const bool percent = !text.empty() && text.back() == '%';
     const std::optional<double> value =
         ParseNumber(percent ? text.substr(0, text.size() - 1) : text);
     if (!value) {
-        BadValue(option, whole, "a place X,Y in pixels or in percent of the picture");
+        BadValue(where, whole, "a place X,Y in pixels or in percent of the picture");
     }
     // Percentages are of the picture at hand, as the effect's own default is.
     const std::int32_t present = (size + downsample - 1) / downsample;
     return percent ? *value / 100.0 * present : *value / downsample;
 }
 
-ParameterValue ParsePoint(const ParameterOption& option, const std::string& text,
-                          const FrameSize& frame) {
+ParameterValue ParsePoint(const std::string& text, const FrameSize& frame,
+                          const std::string& where) {
     const std::size_t comma = text.find(',');
     if (comma == std::string::npos) {
-        BadValue(option, text, "a place X,Y in pixels or in percent of the picture");
+        BadValue(where, text, "a place X,Y in pixels or in percent of the picture");
     }
     const std::string_view view = text;
-    return {ParseCoordinate(option, text, view.substr(0, comma), frame.width, frame.downsample),
-            ParseCoordinate(option, text, view.substr(comma + 1), frame.height, frame.downsample)};
+    return {ParseCoordinate(where, text, view.substr(0, comma), frame.width, frame.downsample),
+            ParseCoordinate(where, text, view.substr(comma + 1), frame.height, frame.downsample)};
 }
 
 /// "mask" for "Mask Layer".
@@ -251,12 +253,17 @@ std::vector<ParameterOption> MakeParameterOptions(const headless::Description& d
 
 ParameterValue ParseValue(const ParameterOption& option, const std::string& text,
                           const FrameSize& frame) {
+    return ParseValue(option, text, frame, "--" + option.option);
+}
+
+ParameterValue ParseValue(const ParameterOption& option, const std::string& text,
+                          const FrameSize& frame, const std::string& where) {
     switch (option.parameter.kind) {
-        case sdk::PF_Param_CHECKBOX: return {ParseCheckbox(option, text), 0};
-        case sdk::PF_Param_POPUP: return {ParsePopup(option, text), 0};
-        case sdk::PF_Param_POINT: return ParsePoint(option, text, frame);
-        case sdk::PF_Param_ANGLE: return {ParseAngle(option, text), 0};
-        default: return {ParseSlider(option, text), 0};
+        case sdk::PF_Param_CHECKBOX: return {ParseCheckbox(text, where), 0};
+        case sdk::PF_Param_POPUP: return {ParsePopup(option.parameter, text, where), 0};
+        case sdk::PF_Param_POINT: return ParsePoint(text, frame, where);
+        case sdk::PF_Param_ANGLE: return {ParseAngle(text, where), 0};
+        default: return {ParseSlider(option.parameter, text, where), 0};
     }
 }
 

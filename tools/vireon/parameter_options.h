@@ -35,8 +35,11 @@ struct FrameSize {
 };
 
 /// The value that a text gives to a parameter other than a layer. Throws ToolError: kUnknownName
-/// for a choice that does not exist, kBadValue for what cannot be read or is out of range.
+/// for a choice that does not exist, kBadValue for what cannot be read or is out of range. The
+/// messages begin with the option, or with `where` the text stands.
 headless::ParameterValue ParseValue(const ParameterOption& option, const std::string& text,
                                     const FrameSize& frame);
+headless::ParameterValue ParseValue(const ParameterOption& option, const std::string& text,
+                                    const FrameSize& frame, const std::string& where);
 
 }  // namespace vireon::tool

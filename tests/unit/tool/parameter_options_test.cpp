@@ -2,37 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/unit/tool/description_builder.h"
 #include "tests/unit/tool/expect_error.h"
 
 namespace vireon::tool {
 namespace {
 
-using headless::Description;
 using headless::ParameterDescription;
 using headless::ParameterValue;
-
-class DescriptionBuilder {
-  public:
-    DescriptionBuilder() { add(sdk::PF_Param_LAYER, ""); }
-
-    ParameterDescription& add(std::int32_t kind, const std::string& name) {
-        ParameterDescription parameter;
-        parameter.index = static_cast<std::int32_t>(description_.parameters.size());
-        parameter.kind = kind;
-        parameter.name = name;
-        return description_.parameters.emplace_back(parameter);
-    }
-    void slider(const std::string& name, double min, double max, double dephault) {
-        ParameterDescription& parameter = add(sdk::PF_Param_FLOAT_SLIDER, name);
-        parameter.validMin = min;
-        parameter.validMax = max;
-        parameter.defaultValue = dephault;
-    }
-    const Description& get() const { return description_; }
-
-  private:
-    Description description_;
-};
 
 std::vector<std::string> NamesOf(const std::vector<ParameterOption>& options) {
     std::vector<std::string> names;

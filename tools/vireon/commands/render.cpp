@@ -12,6 +12,7 @@
 #include "tools/vireon/output_file.h"
 #include "tools/vireon/picture_writer.h"
 #include "tools/vireon/pixel_aspect.h"
+#include "tools/vireon/preset_folder.h"
 #include "tools/vireon/progress_line.h"
 #include "tools/vireon/samples.h"
 #include "tools/vireon/tool_error.h"
@@ -94,6 +95,11 @@ void RenderCommand::addStaticOptions() {
     command_->add_option("OUT", output_, "Picture to write; its extension chooses the format")
         ->type_name("");
     AddPluginOptions(*command_, plugin_);
+    command_
+        ->add_option("--preset", presetText_,
+                     "Take values from a preset: a name that vireon presets lists, or a file\n"
+                     "(ends in .json or has a slash); options given beside it win")
+        ->type_name("NAME");
     command_
         ->add_option("--depth", bits_,
                      "Bits a channel while rendering: 8, 16 or 32 (float)\n"
@@ -195,6 +201,9 @@ void RenderCommand::checkSettings() {
     if (half_) {
         downsample_ = 2;
     }
+    if (command_->count("--preset") > 0) {
+        preset_ = ReadPreset(FindPreset(presetText_, PresetFolders()));
+    }
     CheckOutputFormat(output_);
     CheckOutputPlace(output_);
 }
@@ -206,11 +215,19 @@ void RenderCommand::note(const std::string& text) const {
 }
 
 void RenderCommand::fillValues(RenderJob& job, const FrameSize& frame) const {
+    if (preset_) {
+        std::vector<ParameterOption> options;
+        for (const GivenOption& given : parameters_) {
+            options.push_back(given.parameter);
+        }
+        job.values = PresetValues(*preset_, options, frame);
+    }
     for (const GivenOption& given : parameters_) {
         const ParameterOption& parameter = given.parameter;
         if (given.handle != nullptr && given.handle->count() > 0) {
             job.values[parameter.parameter.index] = ParseValue(parameter, given.text, frame);
-        } else if (parameter.parameter.kind == sdk::PF_Param_POINT) {
+        } else if (parameter.parameter.kind == sdk::PF_Param_POINT &&
+                   !job.values.contains(parameter.parameter.index)) {
             // The registered percentage, of the same size as one that is given.
             job.values[parameter.parameter.index] =
                 ParseValue(parameter, parameter.defaultHelp(), frame);

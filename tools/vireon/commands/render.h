@@ -12,6 +12,7 @@
 #include "tools/vireon/parameter_options.h"
 #include "tools/vireon/picture_file.h"
 #include "tools/vireon/plugin.h"
+#include "tools/vireon/preset.h"
 
 namespace vireon::tool {
 
@@ -55,6 +56,8 @@ class RenderCommand {
     bool quiet_ = false;
     bool time_ = false;
     std::vector<std::string> layers_;
+    std::string presetText_;
+    std::optional<Preset> preset_;
     std::optional<headless::WorkerClient> worker_;
     headless::Description description_;
     std::deque<GivenOption> parameters_;  // options point into it
