@@ -68,10 +68,14 @@ void RejectUnknownFields(const std::filesystem::path& path, const JsonValue& fil
     }
 }
 
-/// Whether a parameter is a length in pixels of the picture.
-bool IsLength(const ParameterOption& option) {
-    return option.parameter.name == "Glow Radius" ||
-           (option.group == "Mask" && option.parameter.name == "Radius");
+/// What a parameter's value is multiplied by for a picture `scale` times as high as the preset's.
+double FactorFor(const ParameterOption& option, double scale) {
+    const std::string& name = option.parameter.name;
+    if (name == "Glow Radius" || (option.group == "Mask" && name == "Radius")) {
+        return scale;
+    }
+    // Every bright pixel adds a stamp, and the same light has scale x scale as many of them.
+    return name == "Glow Intensity" ? 1.0 / (scale * scale) : 1.0;
 }
 
 std::string NumberText(double value) {
@@ -159,9 +163,12 @@ ParameterValue ValueOf(const Preset& preset, const std::string& where,
     if (option.parameter.kind == sdk::PF_Param_POPUP) {
         RequireWholeChoice(where, option, text, parsed);
     }
-    if (preset.height && IsLength(option)) {
-        parsed.x = std::clamp(parsed.x * (frame.height / *preset.height), option.parameter.validMin,
-                              option.parameter.validMax);
+    if (preset.height) {
+        const double factor = FactorFor(option, frame.height / *preset.height);
+        if (factor != 1.0) {
+            parsed.x =
+                std::clamp(parsed.x * factor, option.parameter.validMin, option.parameter.validMax);
+        }
     }
     return parsed;
 }

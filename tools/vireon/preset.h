@@ -25,7 +25,7 @@ struct Preset {
     std::string name;         ///< as people read it; without one the file's
     std::string description;  ///< may be empty
     std::string purpose;      ///< "for"; may be empty
-    /// Height of the picture that lengths in pixels are meant for; none: any.
+    /// Height of the picture that radii and intensity are meant for; none: any.
     std::optional<double> height;
     JsonValue parameters;  ///< an object, its values not yet held against an effect
 };
@@ -36,8 +36,10 @@ struct Preset {
 Preset ReadPreset(const std::filesystem::path& path);
 
 /// The preset's values by parameter index, for a picture of the size of `frame`. Where the preset
-/// has a height, lengths in pixels (Glow Radius, the mask's Radius) are multiplied by the picture's
-/// full height over it, and end at the parameter's range. Throws ToolError: kUnknownName for a
+/// has a height and the picture's full height is `scale` times that, the radii (Glow Radius, the
+/// mask's Radius) are multiplied by `scale` and Glow Intensity is divided by its square, so that the
+/// look stays: pixels add up their light, and a larger picture has more of them. What leaves the
+/// parameter's range by that ends there. Throws ToolError: kUnknownName for a
 /// parameter or choice that the effect does not have, kBadValue for a value of the wrong type or
 /// out of range.
 std::map<std::int32_t, headless::ParameterValue> PresetValues(

@@ -15,7 +15,17 @@ using Values = std::map<std::int32_t, headless::ParameterValue>;
 
 constexpr FrameSize kFrame{400, 200, 1};
 
-enum Index { kShape = 1, kRadius, kOther, kMaskLayer, kEnable, kCenter, kMaskRadius, kSteps };
+enum Index {
+    kShape = 1,
+    kRadius,
+    kOther,
+    kMaskLayer,
+    kEnable,
+    kCenter,
+    kMaskRadius,
+    kSteps,
+    kIntensity
+};
 
 std::vector<ParameterOption> Options() {
     DescriptionBuilder builder;
@@ -36,6 +46,11 @@ std::vector<ParameterOption> Options() {
     steps.parameter.kind = sdk::PF_Param_SLIDER;
     steps.parameter.index = kSteps;
     options.push_back(steps);
+    ParameterOption intensity = options.at(2);
+    intensity.parameter.name = "Glow Intensity";
+    intensity.parameter.validMax = 100;
+    intensity.parameter.index = kIntensity;
+    options.push_back(intensity);
     return options;
 }
 
@@ -174,6 +189,16 @@ TEST_F(PresetFileTest, LengthsFollowTheHeightOfThePicture) {
     // Without a height they are meant as they stand.
     EXPECT_EQ(values(lengths, {3840, 2160, 1}),
               (Values{{kRadius, {60, 0}}, {kMaskRadius, {300, 0}}, {kOther, {40, 0}}}));
+}
+
+TEST_F(PresetFileTest, IntensityMakesUpForTheNumberOfPixels) {
+    const std::string intensity = R"("Glow Intensity": 10)";
+    const std::string height = "\"height\": 1080,";
+    EXPECT_EQ(values(intensity, {3840, 2160, 1}, height).at(kIntensity).x, 2.5);
+    EXPECT_EQ(values(intensity, {1920, 1080, 1}, height).at(kIntensity).x, 10);
+    EXPECT_EQ(values(intensity, {960, 540, 1}, height).at(kIntensity).x, 40);
+    EXPECT_EQ(values(intensity, {96, 54, 1}, height).at(kIntensity).x, 100);
+    EXPECT_EQ(values(intensity, {96, 54, 1}).at(kIntensity).x, 10);
 }
 
 TEST_F(PresetFileTest, ScaledLengthsEndAtTheRange) {

@@ -138,7 +138,7 @@ void PresetsCommand::show() const {
         std::printf("  for %s\n", preset.purpose.c_str());
     }
     if (preset.height) {
-        std::printf("  radii in pixels of a picture of %s lines, scaled to others\n",
+        std::printf("  made for %s lines; radii and intensity follow the picture's height\n",
                     NumberJson(*preset.height).dump().c_str());
     }
     std::printf("  file %s\n\n", preset.path.c_str());
