@@ -15,6 +15,8 @@
 #include "tools/vireon/preset_folder.h"
 #include "tools/vireon/progress_line.h"
 #include "tools/vireon/samples.h"
+#include "tools/vireon/stage_folder.h"
+#include "tools/vireon/stages.h"
 #include "tools/vireon/tool_error.h"
 
 namespace vireon::tool {
@@ -114,6 +116,11 @@ void RenderCommand::addStaticOptions() {
     command_->add_option("--layer", layers_, "Picture for one of the effect's layers, listed below")
         ->type_name("NAME=FILE")
         ->allow_extra_args(false);
+    command_
+        ->add_option("--stages", stageFolder_,
+                     "Write what each stage of the effect made into a folder, with a contact\n"
+                     "sheet and a list; takes up to seven more renders")
+        ->type_name("FOLDER");
     command_->add_flag("--quiet", quiet_, "No progress and no notes");
     command_->add_flag("--time", time_, "Print how long the frame took");
     command_->footer(
@@ -206,6 +213,21 @@ void RenderCommand::checkSettings() {
     }
     CheckOutputFormat(output_);
     CheckOutputPlace(output_);
+    checkStages();
+}
+
+void RenderCommand::checkStages() const {
+    if (command_->count("--stages") == 0) {
+        return;
+    }
+    if (stageFolder_.empty()) {
+        throw ToolError(kBadValue, "--stages wants a folder");
+    }
+    std::vector<std::filesystem::path> others{input_, output_};
+    for (const std::string& layer : layers_) {
+        others.emplace_back(layer.substr(std::min(layer.find('=') + 1, layer.size())));
+    }
+    CheckStageFolder(stageFolder_, others);
 }
 
 void RenderCommand::note(const std::string& text) const {
@@ -214,13 +236,17 @@ void RenderCommand::note(const std::string& text) const {
     }
 }
 
+std::vector<ParameterOption> RenderCommand::parameterOptions() const {
+    std::vector<ParameterOption> options;
+    for (const GivenOption& given : parameters_) {
+        options.push_back(given.parameter);
+    }
+    return options;
+}
+
 void RenderCommand::fillValues(RenderJob& job, const FrameSize& frame) const {
     if (preset_) {
-        std::vector<ParameterOption> options;
-        for (const GivenOption& given : parameters_) {
-            options.push_back(given.parameter);
-        }
-        job.values = PresetValues(*preset_, options, frame);
+        job.values = PresetValues(*preset_, parameterOptions(), frame);
     }
     for (const GivenOption& given : parameters_) {
         const ParameterOption& parameter = given.parameter;
@@ -308,6 +334,27 @@ RenderResult RenderCommand::render(const RenderJob& job) {
     }
 }
 
+void RenderCommand::writeStages(const RenderJob& job, const headless::Picture& output,
+                                const PictureFile& source) {
+    std::vector<StagePicture> pictures;
+    pictures.push_back({kSourceStage, "source", "the picture as the effect is given it", job.input,
+                        /*isData=*/false});
+    for (Stage& stage : StagesOf(job, parameterOptions())) {
+        StopIfInterrupted();
+        RenderResult result = render(stage.job);
+        StopIfInterrupted();
+        CheckResult(result);
+        pictures.push_back({stage.file, stage.title, stage.text, std::move(result.output)});
+    }
+    pictures.push_back({kOutputStage, "output", "what the effect made of the frame", output,
+                        /*isData=*/false});
+    std::vector<std::string> notes;
+    WriteStageFolder(stageFolder_, pictures, source, notes);
+    for (const std::string& text : notes) {
+        note(text);
+    }
+}
+
 void RenderCommand::run() {
     using Clock = std::chrono::steady_clock;
     const Clock::time_point start = Clock::now();
@@ -324,6 +371,9 @@ void RenderCommand::run() {
     CheckResult(result);
     if (!result.message.empty()) {
         note("the effect says: " + OneLine(result.message));
+    }
+    if (!stageFolder_.empty()) {
+        writeStages(job, result.output, source);
     }
     std::vector<std::string> notes;
     WritePictureFile(output_, result.output, source, notes);

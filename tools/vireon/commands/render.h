@@ -43,6 +43,10 @@ class RenderCommand {
     void fillLayers(headless::RenderJob& job);
     headless::RenderJob makeJob(const PictureFile& source);
     headless::RenderResult render(const headless::RenderJob& job);
+    std::vector<ParameterOption> parameterOptions() const;
+    void checkStages() const;
+    void writeStages(const headless::RenderJob& job, const headless::Picture& output,
+                     const PictureFile& source);
     void note(const std::string& text) const;
 
     CLI::App* command_ = nullptr;
@@ -58,6 +62,7 @@ class RenderCommand {
     std::vector<std::string> layers_;
     std::string presetText_;
     std::optional<Preset> preset_;
+    std::string stageFolder_;  ///< empty: no stages
     std::optional<headless::WorkerClient> worker_;
     headless::Description description_;
     std::deque<GivenOption> parameters_;  // options point into it
