@@ -19,11 +19,9 @@ struct WideningPass {
     std::ptrdiff_t rowBytes;
     std::int32_t width;
     std::int32_t height;
-    std::int32_t full;  ///< half width of the window that counts in full
-    std::int32_t
-        whole;         ///< pixels that the plain definition pads a line by; sets the blocks' places
-    float fraction;    ///< weight of the two pixels just outside that window
-    bool channels[4];  ///< which floats of a pixel are widened
+    std::int32_t full;  ///< half width of the window that counts in full, below the line's length
+    float fraction;     ///< weight of the two pixels just outside that window
+    bool channels[4];   ///< which floats of a pixel are widened
     /// Floats that go down the columns together.
     std::int32_t columnFloats;
     /// 2 (2 full + 1) kWideningRowFloats floats, or (2 (2 full + 1) + 1) columnFloats of them.

@@ -82,7 +82,7 @@ TEST_P(WideningKernels, EveryChannelSubset) {
 }
 
 TEST_P(WideningKernels, ReachesAcrossTheImageAndLargerPictures) {
-    for (const std::int32_t whole : {3, 60, 127, 300, 2000}) {
+    for (const std::int32_t whole : {3, 60, 127, 300, 1000000}) {
         check(211, 103, {whole, 0.5f}, {}, LightData::kRandom);
         check(67, 131, {whole, 0.5f}, {}, LightData::kSparse);
         check(7, 5, {whole, 0.5f}, {}, LightData::kRandom);

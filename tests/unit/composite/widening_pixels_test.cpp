@@ -1,12 +1,15 @@
 #include "composite/widening_pixels.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/unit/composite/plain_widening.h"
+#include "tests/unit/support/light_data.h"
 #include "tests/unit/support/picture.h"
 
 namespace vireon::test {
@@ -29,12 +32,12 @@ TEST(WidenLight, IsTheRunningMaximumOfItsDefinitionForEveryReachAndLength) {
             for (const bool alongRows : {true, false}) {
                 Picture picture(alongRows ? length : 3, alongRows ? 3 : length, length % 4,
                                 length % 2 == 0);
-                picture.randomize(random, -1.0f, 2.0f);
+                FillWith(picture, length % 3 == 0 ? LightData::kZeros : LightData::kRandom, random);
                 const float fraction = random.real(0.0f, 1.0f);
                 Picture want(picture);
                 PlainWiden(want, n, fraction, alongRows, all);
                 Widen(picture, n, fraction, alongRows, all);
-                ASSERT_TRUE(NearPixels(picture, want, 0.0))
+                ASSERT_TRUE(SamePixels(picture, want))
                     << "n " << n << " length " << length << " rows " << alongRows;
             }
         }
@@ -50,9 +53,25 @@ TEST(WidenLight, ReachesBeyondTheLineOnBothSides) {
             Picture want(picture);
             PlainWiden(want, n, 0.5f, alongRows, {});
             Widen(picture, n, 0.5f, alongRows, {});
-            EXPECT_TRUE(NearPixels(picture, want, 0.0)) << n;
+            EXPECT_TRUE(SamePixels(picture, want)) << n;
         }
     }
+}
+
+TEST(WidenLight, OfZerosOfBothSignsTheNearestCountsAndTheOneBeforeOfTwoAsNear) {
+    const auto widened = [](std::array<float, 7> values) {
+        Picture picture(7, 1);
+        for (std::int32_t x = 0; x < 7; ++x) {
+            const float value = values[static_cast<std::size_t>(x)];
+            picture.set(x, 0, {value, value, value, value});
+        }
+        Widen(picture, 5, 0.5f, true, {});
+        return picture.at(3, 0, kRed);
+    };
+    EXPECT_TRUE(std::signbit(widened({0.0f, -1.0f, -0.0f, -1.0f, -1.0f, 0.0f, 0.0f})));
+    EXPECT_FALSE(std::signbit(widened({-0.0f, -0.0f, -1.0f, -1.0f, 0.0f, -0.0f, -0.0f})));
+    EXPECT_TRUE(std::signbit(widened({0.0f, 0.0f, -0.0f, -1.0f, 0.0f, 0.0f, 0.0f})));
+    EXPECT_TRUE(std::signbit(widened({0.0f, 0.0f, 0.0f, -0.0f, 0.0f, 0.0f, 0.0f})));
 }
 
 TEST(WidenLight, EveryChannelSubsetLeavesTheOtherChannelsAlone) {
@@ -67,7 +86,7 @@ TEST(WidenLight, EveryChannelSubsetLeavesTheOtherChannelsAlone) {
                 Picture want(picture);
                 PlainWiden(want, n, 0.7f, alongRows, channels);
                 Widen(picture, n, 0.7f, alongRows, channels);
-                EXPECT_TRUE(NearPixels(picture, want, 0.0)) << flags << ' ' << n;
+                EXPECT_TRUE(SamePixels(picture, want)) << flags << ' ' << n;
             }
         }
     }
