@@ -269,7 +269,7 @@ void NoteLostLight(const Plane& plane, const Placing& placing, double kept,
 }
 
 /// The sides of a picture show where they are bright and lie well within the brush.
-void NoteBrightSides(const Plane& plane, const Placing& placing, double windowStart,
+void NoteBrightSides(const Plane& plane, const Placing& placing, double windowStart, bool crops,
                      std::vector<std::string>& notes) {
     constexpr double kWorthANote = 0.02;
     double brightest = 0;
@@ -290,7 +290,8 @@ void NoteBrightSides(const Plane& plane, const Placing& placing, double windowSt
     }
     if (brightest > kWorthANote) {
         notes.push_back("the picture is not black at its sides (up to " + Percent(brightest) +
-                        " of its peak), which shows as an edge in the glow; try --crop");
+                        " of its peak), which shows as an edge in the glow: " +
+                        (crops ? "darken them first" : "try --crop, or darken them first"));
     }
 }
 
@@ -366,7 +367,7 @@ MadeBrush MakeBrush(const PictureFile& picture, const BrushMaking& making) {
             "comes in on one side outweighs what goes out on the other; try --centre picture");
     }
     NoteLostLight(plane, placed.placing, balance.sum, made.notes);
-    NoteBrightSides(plane, placed.placing, making.windowStart, made.notes);
+    NoteBrightSides(plane, placed.placing, making.windowStart, making.crops, made.notes);
     made.samples = std::move(placed.samples);
     for (double& sample : made.samples) {
         sample *= making.energy / balance.sum;

@@ -12,6 +12,7 @@
 #include "tests/unit/support/hostile_brushes.h"
 #include "tests/unit/tool/scratch_folder.h"
 #include "tools/brushes/brush_file.h"
+#include "tools/brushes/rasterise.h"
 #include "tools/brushes/shapes.h"
 #include "tools/vireon/brush_folder.h"
 
@@ -57,9 +58,14 @@ std::string Spots(const std::map<int, std::string>& spots) {
 
 constexpr int kMiddle = 128 * 256 + 128;
 
+/// A multiple of the energy of our brushes, as a sample.
+std::string Energy(double factor = 1) {
+    return std::to_string(factor * brushes::kBrushEnergy);
+}
+
 TEST(BrushFindings, ThereAreNoneForAProperBrush) {
-    EXPECT_EQ(Listed(InspectText(Spots({{kMiddle, "480"}}))), "");
-    EXPECT_EQ(Listed(InspectText(Spots({{kMiddle, "  480 "}}))), "");
+    EXPECT_EQ(Listed(InspectText(Spots({{kMiddle, Energy()}}))), "");
+    EXPECT_EQ(Listed(InspectText(Spots({{kMiddle, "  " + Energy() + " "}}))), "");
 }
 
 TEST(BrushFindings, EveryHostileFileIsNamedWithItsLine) {
@@ -127,7 +133,7 @@ TEST(BrushFindings, TheKernelIsWhatTheEffectReads) {
 
 TEST(BrushFindings, OnlyADecimalCommaIsAFault) {
     const auto with = [](const std::string& sample) {
-        return InspectText(Spots({{kMiddle, "480"}, {kMiddle + 1, sample}}));
+        return InspectText(Spots({{kMiddle, Energy()}, {kMiddle + 1, sample}}));
     };
     const std::string line = std::to_string(kMiddle + 1 + 4);
     EXPECT_EQ(Listed(with("0.5 0.25")), "warning " + line +
@@ -144,22 +150,23 @@ TEST(BrushFindings, OnlyADecimalCommaIsAFault) {
 TEST(BrushFindings, LongLinesAndLinesBehindAreWarnedOf) {
     ExpectFinding(InspectText("256\n256\n" + std::string(2000, 'x') + "\n"),
                   "warning 3: has a line of more than 1022 characters");
-    ExpectFinding(InspectText(Spots({{kMiddle, "480"}}) + "\nmore\n"),
+    ExpectFinding(InspectText(Spots({{kMiddle, Energy()}}) + "\nmore\n"),
                   "warning 65541: goes on behind its last sample");
-    EXPECT_EQ(Listed(InspectText(Spots({{kMiddle, "480"}}) + "\n\r\n")), "");
+    EXPECT_EQ(Listed(InspectText(Spots({{kMiddle, Energy()}}) + "\n\r\n")), "");
 }
 
 TEST(BrushFindings, TheLightIsWeighed) {
-    ExpectFinding(InspectText(Spots({{kMiddle, "960.1"}})), "warning 0: adds up to 960.1");
-    EXPECT_EQ(Listed(InspectText(Spots({{kMiddle, "959"}}))), "");
-    ExpectFinding(InspectText(Spots({{kMiddle, "239"}})), "its glow is fainter than theirs");
+    ExpectFinding(InspectText(Spots({{kMiddle, Energy(2.01)}})),
+                  "its glow is brighter than theirs");
+    EXPECT_EQ(Listed(InspectText(Spots({{kMiddle, Energy(1.99)}}))), "");
+    ExpectFinding(InspectText(Spots({{kMiddle, Energy(0.49)}})), "its glow is fainter than theirs");
     ExpectFinding(InspectText(Spots({{kMiddle, "-1"}})), "warning 0: adds up to -1: it darkens");
-    ExpectFinding(InspectText(Spots({{kMiddle + 17, "480"}})),
+    ExpectFinding(InspectText(Spots({{kMiddle + 17, Energy()}})),
                   "has its centre of mass +17.0 texels across and +0.0 down from (128, 128)");
-    EXPECT_EQ(Listed(InspectText(Spots({{kMiddle + 16, "480"}}))), "");
-    ExpectFinding(InspectText(Spots({{kMiddle, "480"}, {kMiddle + 127, "0.25"}})),
+    EXPECT_EQ(Listed(InspectText(Spots({{kMiddle + 16, Energy()}}))), "");
+    ExpectFinding(InspectText(Spots({{kMiddle, Energy()}, {kMiddle + 127, "0.25"}})),
                   "is up to 0.25 at its rim");
-    EXPECT_EQ(Listed(InspectText(Spots({{kMiddle, "480"}, {kMiddle + 126, "0.25"}}))), "");
+    EXPECT_EQ(Listed(InspectText(Spots({{kMiddle, Energy()}, {kMiddle + 126, "0.25"}}))), "");
 }
 
 TEST(BrushFindings, WhatIsNoFileIsNeitherOpenedNorWaitedFor) {
