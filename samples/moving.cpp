@@ -1,5 +1,6 @@
 #include "samples/moving.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <stdexcept>
@@ -71,7 +72,7 @@ void AddRoad(Lights& lights, double width, double phase) {
                                                  {968.0, 127.0, -1.0, 3.6, {4.0f, 0.36f, 0.22f}},
                                                  {1020.0, 179.0, 1.0, 4.8, {9.0f, 8.2f, 6.6f}}}};
     for (const Lane& lane : kLanes) {
-        const int count = static_cast<int>(width / lane.spacing) + 3;
+        const int count = static_cast<int>(std::min(width, Stage::kWidest) / lane.spacing) + 3;
         for (int i = 0; i < count; ++i) {
             const double x = (i - 1 + lane.direction * phase) * lane.spacing;
             AddDot(lights, {x, lane.y}, lane.size, lane.light);
@@ -90,11 +91,11 @@ void AddLanterns(Lights& lights, double middle, double phase) {
         int count;
         double size;
     };
-    static constexpr std::array<Path, 5> kPaths{{{240.0, 842.0, 21.0, -58.0, 17, 3.2},
-                                                 {360.0, 846.0, 34.0, -83.0, 12, 4.6},
-                                                 {520.0, 850.0, 11.0, -47.0, 20, 2.6},
-                                                 {640.0, 848.0, 44.0, -97.0, 10, 5.6},
-                                                 {800.0, 846.0, 8.0, -71.0, 14, 3.8}}};
+    static constexpr std::array<Path, 5> kPaths{{{230.0, 862.0, 13.0, -58.0, 17, 3.2},
+                                                 {330.0, 864.0, 24.0, -83.0, 12, 4.8},
+                                                 {480.0, 862.0, 9.0, -47.0, 20, 2.6},
+                                                 {560.0, 866.0, 29.0, -97.0, 10, 6.2},
+                                                 {760.0, 864.0, 12.0, -71.0, 14, 3.8}}};
     for (const Path& path : kPaths) {
         for (int i = 0; i < path.count; ++i) {
             const double along = i + phase;

@@ -13,7 +13,7 @@ namespace vireon::scenes {
 
 namespace {
 
-constexpr Colour kPink{2.6f, 0.36f, 1.02f};
+constexpr Colour kPink{2.6f, 0.34f, 1.16f};
 constexpr Colour kCyan{0.22f, 1.75f, 2.40f};
 constexpr Colour kGold{2.60f, 1.55f, 0.42f};
 constexpr Colour kLampLight{18.0f, 12.2f, 5.6f};
@@ -67,7 +67,7 @@ void AddBlockWord(NeonSign& sign, std::string_view word, Point corner, double un
     for (const char letter : word) {
         for (Curve tube : LetterTubes(letter)) {
             for (Point& p : tube) p = {corner.x + p.x * unit, corner.y + p.y * unit};
-            sign.tubes.push_back({tube, 9.5, kCyan});
+            sign.tubes.push_back({tube, 10.5, kCyan});
         }
         corner.x += unit * 1.66;
     }
@@ -210,7 +210,7 @@ NeonSign MakeNeonSign(double width) {
     NeonSign sign;
     AddMoon(sign, {middle - 560.0, 236.0});
     AddWord(sign, {middle - 690.0, 400.0}, 182.0);
-    AddBlockWord(sign, "BAR", {middle - 240.0, 758.0}, 62.0);
+    AddBlockWord(sign, "BAR", {middle - 330.0, 744.0}, 76.0);
     AddArrow(sign, middle);
     return sign;
 }
@@ -230,7 +230,7 @@ void PaintNeonSign(const Stage& stage, const NeonSign& sign) {
         const Colour white = Colour{1.0f, 1.0f, 1.0f} * strongest;
         LayAlong(stage, tube.points, half, [&](double distance) {
             const double t = distance / half;
-            const Colour core = Mix(tube.light, white, 0.42 * (1.0 - t) * (1.0 - t));
+            const Colour core = Mix(tube.light, white, 0.55 * (1.0 - t) * (1.0 - t));
             return core * (1.18 - 0.80 * t * t);
         });
     }

@@ -57,18 +57,20 @@ std::vector<Source> SourcesOf(const NeonSign& sign) {
 class LightMap {
   public:
     LightMap(double width, const std::vector<Source>& sources)
-        : columns_(static_cast<int>(width / kStep) + 3),
+        : left_(0.5 * (width - std::min(width, kReach))),
+          columns_(static_cast<int>(std::min(width, kReach) / kStep) + 3),
           rows_(static_cast<int>(Stage::kHeight / kStep) + 3),
           cells_(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_)) {
         for (int row = 0; row < rows_; ++row) {
             for (int column = 0; column < columns_; ++column) {
-                cells_[index(column, row)] = reaching({column * kStep, row * kStep}, sources);
+                cells_[index(column, row)] =
+                    reaching({left_ + column * kStep, row * kStep}, sources);
             }
         }
     }
 
     Lighting at(Point p) const {
-        const double x = std::clamp(p.x / kStep, 0.0, columns_ - 1.001);
+        const double x = std::clamp((p.x - left_) / kStep, 0.0, columns_ - 1.001);
         const double y = std::clamp(p.y / kStep, 0.0, rows_ - 1.001);
         const int column = static_cast<int>(x);
         const int row = static_cast<int>(y);
@@ -89,6 +91,8 @@ class LightMap {
 
   private:
     static constexpr double kStep = 10.0;
+    // Further from the middle of a very wide wall the light is that of the edge: next to none.
+    static constexpr double kReach = 16000.0;
 
     std::size_t index(int column, int row) const {
         return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns_) +
@@ -112,6 +116,7 @@ class LightMap {
         return sum;
     }
 
+    double left_;
     int columns_;
     int rows_;
     std::vector<Lighting> cells_;
@@ -159,7 +164,7 @@ Surface BrickAt(Point p) {
 
     Surface surface;
     const Colour brickColour =
-        Colour{static_cast<float>(0.36 + warm), 0.175f, static_cast<float>(0.130 - 0.4 * warm)} *
+        Colour{static_cast<float>(0.37 + warm), 0.190f, static_cast<float>(0.165 - 0.4 * warm)} *
         (tone * burnt * grain);
     const Colour mortar = Colour{0.21f, 0.19f, 0.175f} * grain;
     const double solid = Ease((inside + 1.0) / 2.0);
@@ -181,23 +186,31 @@ Surface BrickAt(Point p) {
 void PaintNeonWall(const Stage& stage, const NeonSign& sign) {
     const LightMap lights(stage.width(), SourcesOf(sign));
     // How much of the lights' sum the wall shows.
-    constexpr double kExposure = 1.15;
-    const Colour moonlight{0.030f, 0.038f, 0.072f};
+    constexpr double kExposure = 1.7;
+    const Colour moonlight{0.052f, 0.064f, 0.115f};
     PaintAll(stage, [&](Point p) {
         const Surface surface = BrickAt(p);
-        const Lighting light = lights.at(p);
+        const Lighting reaching = lights.at(p);
         double facing = 1.0;
-        if (light.weight > 0.0) {
-            facing += 0.9 * (surface.tiltX * light.towardsX + surface.tiltY * light.towardsY) /
-                      light.weight;
+        if (reaching.weight > 0.0) {
+            facing += 0.9 *
+                      (surface.tiltX * reaching.towardsX + surface.tiltY * reaching.towardsY) /
+                      reaching.weight;
         }
         // A little of the night comes from above on the left.
         const double night = std::max(0.2, 1.0 - 0.5 * surface.tiltY - 0.3 * surface.tiltX);
         const Colour falling =
-            light.colour * (kExposure * std::max(0.10, facing)) + moonlight * night;
-        return Colour{surface.albedo.red * falling.red, surface.albedo.green * falling.green,
-                      surface.albedo.blue * falling.blue} *
-               surface.open;
+            reaching.colour * (kExposure * std::max(0.10, facing)) + moonlight * night;
+        // A wall close to a tube gets far more light than it can show beside the tube itself.
+        const auto shown = [&](float albedo, float light) {
+            const double value =
+                static_cast<double>(albedo) * static_cast<double>(light) * surface.open;
+            constexpr double kMost = 0.56;
+            return static_cast<float>(value / (1.0 + value / kMost));
+        };
+        return Colour{shown(surface.albedo.red, falling.red),
+                      shown(surface.albedo.green, falling.green),
+                      shown(surface.albedo.blue, falling.blue)};
     });
 }
 

@@ -140,7 +140,7 @@ void PaintRoof(const Stage& stage, const Layer& layer, const House& house, Rando
 void PaintLayer(const Stage& stage, const Layer& layer) {
     Random random(layer.seed);
     double left = -random.between(0.0, layer.narrowest);
-    while (left < stage.width()) {
+    while (left < stage.furnishedWidth()) {
         const double right = left + random.between(layer.narrowest, layer.widest);
         const double top = kStreetLine - random.between(layer.lowest, layer.highest);
         const House house{left, right, top};

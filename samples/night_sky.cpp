@@ -57,9 +57,10 @@ void PaintGradient(const Stage& stage) {
 
 void PaintStars(const Stage& stage) {
     Random random(0x7374617273u);
-    const int count = static_cast<int>(stage.width() * 0.19);
+    const int count = static_cast<int>(stage.furnishedWidth() * 0.19);
     for (int i = 0; i < count; ++i) {
-        const Point place{random.unit() * stage.width(), 640.0 * random.unit() * random.unit()};
+        const Point place{random.unit() * stage.furnishedWidth(),
+                          640.0 * random.unit() * random.unit()};
         const double magnitude = random.unit() * random.unit() * random.unit();
         const double strength = (0.16 + 0.75 * magnitude) * (1.0 - place.y / 760.0);
         const Colour tint = Mix({0.75f, 0.84f, 1.0f}, {1.0f, 0.90f, 0.76f}, random.unit());

@@ -56,7 +56,7 @@ void PaintTrafficLight(const Stage& stage, double x) {
 
 void PaintStreetLife(const Stage& stage) {
     const double middle = stage.middle();
-    for (double x = std::fmod(middle, 300.0) - 150.0; x < stage.width(); x += 300.0) {
+    for (double x = std::fmod(middle, 300.0) - 150.0; x < stage.furnishedWidth(); x += 300.0) {
         PaintLamp(stage, x);
     }
     PaintTrafficLight(stage, middle + 205.0);

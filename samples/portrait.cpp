@@ -10,15 +10,15 @@ namespace vireon::scenes {
 namespace {
 
 // Units of the design for one of the figure, and where the figure's origin is.
-constexpr double kSize = 262.0;
-constexpr double kHeadX = 24.0;  // from the middle
-constexpr double kHeadY = 446.0;
+constexpr double kSize = 292.0;
+constexpr double kHeadX = -8.0;  // from the middle
+constexpr double kHeadY = 452.0;
 
 constexpr double kNear = 1.7;  // z before the figure
 constexpr double kFar = -2.0;  // z behind it
 
-const Vec3 kKey = Direction({-0.74, 0.50, 0.62});
-const Vec3 kRim = Direction({0.80, 0.30, -0.62});
+const Vec3 kKey = Direction({-0.80, 0.46, 0.50});
+const Vec3 kRim = Direction({0.86, 0.34, -0.40});
 const Vec3 kFill = Direction({0.55, 0.05, 0.80});
 
 Colour Times(Colour a, Colour b) {
@@ -73,7 +73,7 @@ Colour Background(Point p, double middle) {
     const double dy = (p.y - 420.0) / 760.0;
     const double light = 1.0 / ((1.0 + dx * dx + dy * dy) * (1.0 + dx * dx + dy * dy));
     const double cloth = FractalNoise(p.x / 240.0, p.y / 300.0, 4, 0x636C6F74u);
-    return Mix({0.012f, 0.014f, 0.018f}, {0.115f, 0.120f, 0.118f}, light * (0.72 + 0.5 * cloth));
+    return Mix({0.012f, 0.014f, 0.018f}, {0.175f, 0.180f, 0.170f}, light * (0.72 + 0.5 * cloth));
 }
 
 struct Look {
@@ -86,12 +86,12 @@ struct Look {
 Look LookOf(Matter matter, Vec3 head) {
     switch (matter) {
         case Matter::kSkin: {
-            Look look{{0.80f, 0.56f, 0.44f}, 0.16, 16.0, 0.0};
+            Look look{{0.76f, 0.575f, 0.475f}, 0.13, 16.0, 0.0};
             const double x = std::abs(head.x);
             // Colour of the lips and the cheeks, and the line of the lowered lashes.
             const double lips =
                 Ease(0.020, -0.020,
-                     Ellipsoid(Vec3{x, head.y, head.z}, {0.0, -0.612, 0.76}, {0.185, 0.100, 0.16}));
+                     Ellipsoid(Vec3{x, head.y, head.z}, {0.0, -0.612, 0.72}, {0.165, 0.090, 0.16}));
             look.albedo = Mix(look.albedo, {0.66f, 0.27f, 0.25f}, 0.75 * lips);
             const double cheek =
                 Ease(0.42, 0.0, Length(Vec3{x, head.y, head.z} - Vec3{0.42, -0.30, 0.58}));
@@ -104,16 +104,17 @@ Look LookOf(Matter matter, Vec3 head) {
             const double browX = (x - 0.25) / 0.22;
             const double brow =
                 Ease(0.030, 0.010, std::abs(head.y - 0.195 + 0.05 * browX * browX)) *
-                Ease(1.05, 0.70, std::abs(browX)) * (head.z > 0.4 ? 1.0 : 0.0);
+                Ease(1.0, 0.55, std::abs(browX)) * (head.z > 0.45 ? 1.0 : 0.0);
             look.albedo = Mix(look.albedo, {0.26f, 0.15f, 0.11f}, 0.72 * brow);
             return look;
         }
         case Matter::kScarf: {
             const double band = Ease(0.02, -0.02, head.z + 0.86);
-            return {Mix({0.085f, 0.205f, 0.46f}, {0.80f, 0.54f, 0.16f}, band), 0.12, 8.0, 0.25};
+            return {Mix({0.085f, 0.205f, 0.46f}, {0.80f, 0.54f, 0.16f}, band), 0.22, 8.0, 0.45};
         }
+        case Matter::kCollar: return {{0.84f, 0.83f, 0.80f}, 0.05, 8.0, 0.10};
         case Matter::kPearl: return {{0.62f, 0.60f, 0.60f}, 14.0, 128.0, 0.30};
-        default: return {{0.34f, 0.22f, 0.095f}, 0.05, 8.0, 0.30};
+        default: return {{0.42f, 0.26f, 0.085f}, 0.05, 8.0, 0.30};
     }
 }
 
@@ -132,13 +133,13 @@ Colour Shade(Vec3 p, Matter matter) {
 
     const double facing = Dot(normal, kKey);
     const double wrapped = std::max(0.0, (facing + 0.16) / 1.16);
-    const double key = wrapped > 0.0 ? wrapped * Reaching(lifted, kKey, 0.20) : 0.0;
+    const double key = wrapped > 0.0 ? wrapped * Reaching(lifted, kKey, 0.30) : 0.0;
     const double rimFacing = std::max(0.0, Dot(normal, kRim));
     const double rim = rimFacing > 0.0 ? rimFacing * grazing * Reaching(lifted, kRim, 0.10) : 0.0;
     const double fill = std::max(0.0, 0.5 + 0.5 * Dot(normal, kFill)) * open;
 
-    Colour light = Colour{1.16f, 1.04f, 0.90f} * (1.06 * key) +
-                   Colour{0.085f, 0.095f, 0.125f} * fill + Colour{1.0f, 0.92f, 0.80f} * (1.9 * rim);
+    Colour light = Colour{1.16f, 1.04f, 0.90f} * (1.22 * key) +
+                   Colour{0.120f, 0.128f, 0.155f} * fill + Colour{1.0f, 0.92f, 0.80f} * (2.7 * rim);
     if (matter == Matter::kSkin) {
         // Light that goes through the skin warms the edge of the shade.
         const double edge = std::max(0.0, 1.0 - std::abs(facing - 0.04) / 0.34);
@@ -161,7 +162,9 @@ Canvas DrawPortrait(int width, int height, LightRange range) {
     PaintAll(stage, [&](Point p) {
         const double x = (p.x - middle - kHeadX) / kSize;
         const double y = (kHeadY - p.y) / kSize;
-        if (std::abs(x) < 2.2 && y < 1.35) {
+        // Nothing of the figure lies beside this outline.
+        const bool beside = y > 1.25 || (y > -1.30 ? x < -1.10 || x > 1.50 : std::abs(x) > 2.0);
+        if (!beside) {
             double z = kNear;
             for (int i = 0; i < 90 && z > kFar; ++i) {
                 const FigurePlace place = FigureAt({x, y, z});

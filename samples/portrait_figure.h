@@ -5,7 +5,7 @@
 namespace vireon::scenes {
 
 /// What a place of the portrait's figure is made of.
-enum class Matter { kSkin, kScarf, kDress, kPearl };
+enum class Matter { kSkin, kScarf, kDress, kCollar, kPearl };
 
 /// Distance of a place from the figure's surface, negative inside, and what the nearest part is.
 struct FigurePlace {

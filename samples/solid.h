@@ -41,8 +41,10 @@ inline double Sphere(Vec3 p, Vec3 centre, double radius) {
 /// An ellipsoid along the axes; the distance is exact near its surface.
 inline double Ellipsoid(Vec3 p, Vec3 centre, Vec3 radii) {
     const Vec3 q = p - centre;
-    const Vec3 once{q.x / radii.x, q.y / radii.y, q.z / radii.z};
-    const Vec3 twice{once.x / radii.x, once.y / radii.y, once.z / radii.z};
+    // Radii are mostly constants, so these divisions are done by the compiler.
+    const Vec3 shares{1.0 / radii.x, 1.0 / radii.y, 1.0 / radii.z};
+    const Vec3 once{q.x * shares.x, q.y * shares.y, q.z * shares.z};
+    const Vec3 twice{once.x * shares.x, once.y * shares.y, once.z * shares.z};
     const double k = Length(once);
     const double gradient = Length(twice);
     return gradient > 0.0 ? k * (k - 1.0) / gradient : -std::min({radii.x, radii.y, radii.z});
@@ -64,6 +66,13 @@ inline double Joined(double a, double b, double reach) {
 /// The first solid without the second, rounded likewise.
 inline double Without(double a, double b, double reach) {
     return -Joined(-a, b, reach);
+}
+
+/// A wave between -1 and 1 with the period 1, close to a sine and quicker.
+inline double Wave(double turns) {
+    const double part = turns - std::floor(turns);
+    const double way = std::abs(4.0 * part - 2.0) - 1.0;
+    return way * (1.5 - 0.5 * way * way);
 }
 
 }  // namespace vireon::scenes

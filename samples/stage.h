@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -15,6 +16,7 @@ namespace vireon::scenes {
 class Stage {
   public:
     static constexpr double kHeight = 1080.0;
+    static constexpr double kWidest = 40000.0;
 
     /// Refers to the canvas, which must outlive the stage.
     Stage(Canvas& canvas, LightRange range)
@@ -32,6 +34,10 @@ class Stage {
 
     /// Width of the picture in units of the design.
     double width() const { return width_; }
+
+    /// Width in which a scene places its single things, at most kWidest: beyond it, in pictures far
+    /// wider than any film's, only grounds go on.
+    double furnishedWidth() const { return std::min(width_, kWidest); }
 
     double middle() const { return width_ * 0.5; }
 

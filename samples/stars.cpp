@@ -47,7 +47,7 @@ Colour SkyLight(const Stage& stage, Point p) {
     const Colour deep = Mix({0.010f, 0.015f, 0.036f}, {0.014f, 0.022f, 0.044f}, p.y / 1080.0);
     const double glow = BandLight(band);
     const double fine = FractalNoise(p.x / 95.0, p.y / 95.0, 5, 0x66696E65u);
-    Colour sky = deep + Colour{0.090f, 0.082f, 0.100f} * (glow * (0.30 + 1.1 * fine));
+    Colour sky = deep + Colour{0.150f, 0.135f, 0.158f} * (glow * (0.16 + 1.2 * fine));
     // Two clouds of gas: rose to the right of the middle, teal further down to the left.
     const double warpX = 210.0 * (FractalNoise(p.x / 260.0, p.y / 260.0, 4, 0x67617331u) - 0.5);
     const double warpY = 210.0 * (FractalNoise(p.x / 260.0, p.y / 260.0, 4, 0x67617332u) - 0.5);
@@ -61,8 +61,12 @@ Colour SkyLight(const Stage& stage, Point p) {
     const double rose = gas(330.0, 330.0, 430.0) * Ramp(0.30, 0.80, threads);
     const double core = gas(350.0, 322.0, 190.0) * Ramp(0.35, 0.85, threads);
     const double teal = gas(-390.0, 720.0, 480.0) * Ramp(0.32, 0.90, 1.0 - threads);
-    sky = sky + Colour{0.42f, 0.085f, 0.20f} * rose + Colour{0.44f, 0.24f, 0.24f} * core +
-          Colour{0.030f, 0.15f, 0.20f} * teal;
+    // Dark threads run through the gas.
+    const double veins = FractalNoise((p.x - warpY) / 75.0, (p.y + warpX) / 75.0, 6, 0x7665696Eu);
+    const double clear = 0.42 + 0.58 * Ramp(0.36, 0.58, veins);
+    sky = sky + Colour{0.35f, 0.066f, 0.165f} * (rose * clear) +
+          Colour{0.17f, 0.13f, 0.18f} * (core * clear) +
+          Colour{0.040f, 0.20f, 0.27f} * (teal * (0.5 + 0.5 * clear));
     const double dust = Dust(p, band);
     // Dust takes blue first.
     return {sky.red * static_cast<float>(1.0 - 0.66 * dust),
@@ -118,9 +122,9 @@ Colour StarColour(double heat) {
 
 void PaintFaintStars(const Stage& stage) {
     Random random(0x6661696E74u);
-    const int count = static_cast<int>(stage.width() * 4.2);
+    const int count = static_cast<int>(stage.furnishedWidth() * 9.0);
     for (int i = 0; i < count; ++i) {
-        const Point place{random.unit() * stage.width(), random.unit() * Stage::kHeight};
+        const Point place{random.unit() * stage.furnishedWidth(), random.unit() * Stage::kHeight};
         const double rank = random.unit();
         const double heat = random.unit();
         const double keep = random.unit();
@@ -136,9 +140,9 @@ void PaintFaintStars(const Stage& stage) {
 
 void PaintMiddleStars(const Stage& stage) {
     Random random(0x6D6964646Cu);
-    const int count = static_cast<int>(stage.width() * 0.085);
+    const int count = static_cast<int>(stage.furnishedWidth() * 0.085);
     for (int i = 0; i < count; ++i) {
-        const Point place{random.unit() * stage.width(), random.unit() * Stage::kHeight};
+        const Point place{random.unit() * stage.furnishedWidth(), random.unit() * Stage::kHeight};
         const double rank = random.unit();
         const Colour colour = StarColour(random.unit());
         const double strength = 0.8 + 0.55 / (rank + 0.16);
@@ -154,10 +158,10 @@ void PaintBrightStars(const Stage& stage) {
         double heat;
         double strength;
     };
-    static constexpr std::array<Star, 15> kStars{{{-610.0, 262.0, 5.4, 0.94, 19.0},
-                                                  {352.0, 318.0, 5.0, 0.62, 15.0},
-                                                  {-212.0, 806.0, 4.6, 0.30, 13.0},
-                                                  {668.0, 742.0, 5.0, 0.06, 12.0},
+    static constexpr std::array<Star, 15> kStars{{{-610.0, 262.0, 4.4, 0.94, 19.0},
+                                                  {352.0, 318.0, 4.1, 0.62, 15.0},
+                                                  {-212.0, 806.0, 3.9, 0.30, 13.0},
+                                                  {668.0, 742.0, 4.0, 0.06, 12.0},
                                                   {-432.0, 590.0, 3.4, 0.85, 7.5},
                                                   {92.0, 168.0, 3.6, 0.76, 7.0},
                                                   {446.0, 402.0, 2.8, 0.98, 6.0},

@@ -16,12 +16,12 @@ double Ease(double from, double to, double x) {
 
 Colour Sky(double x, double y) {
     const double t = y / kSeaHorizon;
-    Colour sky = Mix({0.130f, 0.330f, 0.640f}, {0.560f, 0.720f, 0.830f}, t * (0.55 + 0.45 * t));
+    Colour sky = Mix({0.100f, 0.305f, 0.655f}, {0.410f, 0.530f, 0.735f}, t * (0.55 + 0.45 * t));
     // Brighter and warmer below the sun.
     const double dx = (x - kSunOffset) / 620.0;
     const double dy = (y + 150.0) / 560.0;
     const double sun = 1.0 / (1.0 + dx * dx + dy * dy);
-    sky = sky + Colour{0.42f, 0.36f, 0.26f} * (sun * sun);
+    sky = sky + Colour{0.16f, 0.13f, 0.09f} * (sun * sun);
     // Fair-weather clouds: their lower edges are flat and in shade.
     const double shape = FractalNoise(x / 330.0 + 9.0, y / 105.0, 6, 0x636C6472u);
     const double above = FractalNoise(x / 330.0 + 9.0 - 0.05, (y - 16.0) / 105.0, 6, 0x636C6472u);
@@ -29,7 +29,7 @@ Colour Sky(double x, double y) {
     const double cover = Ease(0.52, 0.70, shape) * belt;
     const double lit = Ease(-0.10, 0.13, shape - above);
     const Colour cloud = Mix({0.62f, 0.70f, 0.79f}, {0.985f, 0.965f, 0.93f}, lit);
-    return Mix(sky, cloud, 0.88 * cover);
+    return Mix(sky, cloud, 0.92 * cover);
 }
 
 // Islands in the haze: height above the horizon at a place.

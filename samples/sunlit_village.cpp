@@ -13,7 +13,7 @@ namespace {
 using Corners = std::vector<Point>;
 
 constexpr Colour kLit{0.975f, 0.930f, 0.850f};
-constexpr Colour kShade{0.400f, 0.475f, 0.610f};
+constexpr Colour kShade{0.345f, 0.410f, 0.520f};
 constexpr Colour kRoof{0.925f, 0.880f, 0.800f};
 constexpr Colour kBlue{0.060f, 0.215f, 0.500f};
 
@@ -72,7 +72,7 @@ double Plaster(Point p) {
 // Light from the ground brightens the foot of a wall in shade and warms it.
 Colour ShadeAt(Point p, double top, double bottom) {
     const double down = std::clamp((p.y - top) / (bottom - top), 0.0, 1.0);
-    return (kShade + Colour{0.170f, 0.125f, 0.060f} * (down * down)) * Plaster(p);
+    return (kShade + Colour{0.150f, 0.100f, 0.035f} * (down * down)) * Plaster(p);
 }
 
 // A house seen at its corner: a sunlit wall to the left of it, one in shade to the right. Lines
@@ -114,21 +114,73 @@ Wall ShadeWall(double middle, const House& h) {
     return {{middle + h.x, h.top}, {middle + h.x, h.bottom}, h.right};
 }
 
+// A strip of a quarter-turned square along the edge from a to b, as wide as `share` of the way to
+// c.
+Corners Strip(Point a, Point b, Point c, double share) {
+    const Point over{(c.x - a.x) * share, (c.y - a.y) * share};
+    return {a, b, {b.x + over.x, b.y + over.y}, {a.x + over.x, a.y + over.y}};
+}
+
+// The flat roof, seen from above; the raised edges towards the sun throw their shade on it.
+void PaintRoof(const Stage& stage, const Wall& lit, const Wall& shade) {
+    const Point near = lit.at(0.0, 0.0);
+    const Point left = lit.at(1.0, 0.0);
+    const Point right = shade.at(1.0, 0.0);
+    const Point far{left.x + right.x - near.x, left.y + right.y - near.y};
+    Face(stage, {near, left, far, right}, [](Point p) { return kRoof * Plaster(p); });
+    const Colour shaded{0.400f, 0.440f, 0.510f};
+    for (const Corners& strip : {Strip(left, far, near, 0.13), Strip(left, near, far, 0.055)}) {
+        Face(stage, strip, [&](Point p) { return shaded * Plaster(p); });
+    }
+    stage.line(left, far, 5.0, kLit * 0.97);
+    stage.line(near, left, 6.0, kLit * 1.01);
+    stage.line(near, right, 6.0, kLit * 0.98);
+}
+
 void PaintHouse(const Stage& stage, const House& h) {
     const double middle = stage.middle();
     const Wall lit = LitWall(middle, h);
     const Wall shade = ShadeWall(middle, h);
-    Face(stage, lit.part(0.0, 0.0, 1.0, 1.0), [](Point p) { return kLit * Plaster(p); });
+    Face(stage, lit.part(0.0, 0.0, 1.0, 1.0), [&](Point p) {
+        // Whitewash on rough stone, a little darker and warmer towards the ground.
+        const double down = std::clamp((p.y - h.top) / (h.bottom - h.top), 0.0, 1.0);
+        const double stain =
+            Ease(0.55, 0.85, FractalNoise(p.x / 18.0, p.y / 130.0, 3, 0x72616964u));
+        const double tone = (1.0 - 0.07 * stain * (1.0 - down)) * Plaster(p);
+        return Mix(kLit, {0.935f, 0.845f, 0.715f}, 0.55 * down * down) * tone;
+    });
     Face(stage, shade.part(0.0, 0.0, 1.0, 1.0),
          [&](Point p) { return ShadeAt(p, h.top, h.bottom); });
     if (h.top > kSeaHorizon) {
-        // The flat roof is seen from above, with a parapet that shades its sunward edge.
-        const Point near = lit.at(0.0, 0.0);
-        const Point left = lit.at(1.0, 0.0);
-        const Point right = shade.at(1.0, 0.0);
-        const Point far{left.x + right.x - near.x, left.y + right.y - near.y};
-        Face(stage, {near, left, far, right}, [](Point p) { return kRoof * Plaster(p); });
+        PaintRoof(stage, lit, shade);
+    } else {
+        stage.line(lit.at(0.0, 0.0), lit.at(1.0, 0.0), 6.0, kLit);
+        stage.line(shade.at(0.0, 0.0), shade.at(1.0, 0.0), 6.0, kShade * 1.25);
     }
+}
+
+// A door under a round arch, by its foot's middle on a wall.
+void PaintDoor(const Stage& stage, const Wall& wall, double u, double halfWidth, double height,
+               bool lit) {
+    const auto arch = [&](double grow) {
+        const double foot = 1.0;
+        const double rise = height * 0.30;
+        Corners corners{wall.at(u + halfWidth * grow, foot), wall.at(u - halfWidth * grow, foot)};
+        constexpr int kPieces = 14;
+        for (int i = 0; i <= kPieces; ++i) {
+            const double t = -1.0 + 2.0 * i / kPieces;
+            const double up = (1.0 - t * t) / (1.0 + t * t);
+            const double along = 2.0 * t / (1.0 + t * t);
+            corners.push_back(
+                wall.at(u + halfWidth * grow * along, foot - (height - rise) - rise * grow * up));
+        }
+        return corners;
+    };
+    Face(stage, arch(1.18),
+         [&](Point p) { return (lit ? kLit * 0.80 : kShade * 1.22) * Plaster(p); });
+    const Colour paint = lit ? kBlue * 1.5 : kBlue * 0.66;
+    Face(stage, arch(1.0),
+         [&](Point p) { return paint * (0.74 + 0.42 * ValueNoise(p.x / 4.2, 0.5, 0x646F6F72u)); });
 }
 
 // A window or a door in a wall: reveal, dark pane, painted shutters or frame.
@@ -219,7 +271,7 @@ void PaintBush(const Stage& stage, double x, double y, double reachX, double rea
         const Colour colour = leaf ? Mix({0.020f, 0.055f, 0.030f}, {0.30f, 0.44f, 0.13f}, sun)
                                    : Mix({0.170f, 0.012f, 0.090f}, {0.97f, 0.22f, 0.47f}, sun);
         const Point place{stage.middle() + x + u * reachX * ragged, y + v * reachY * ragged};
-        stage.disc(place, random.between(2.6, 5.8), colour);
+        stage.disc(place, random.between(1.8, 4.4), colour);
     }
 }
 
@@ -228,20 +280,30 @@ void PaintBush(const Stage& stage, double x, double y, double reachX, double rea
 void PaintVillage(const Stage& stage) {
     const double middle = stage.middle();
     // From the back to the front.
-    static constexpr std::array<House, 7> kHouses{{{640.0, 330.0, 700.0, 210.0, 420.0},
+    static constexpr std::array<House, 7> kHouses{{{860.0, 356.0, 700.0, 150.0, 420.0},
                                                    {330.0, 452.0, 720.0, 170.0, 300.0},
                                                    {760.0, 470.0, 900.0, 270.0, 330.0},
                                                    {120.0, 566.0, 800.0, 190.0, 270.0},
                                                    {430.0, 620.0, 960.0, 250.0, 360.0},
                                                    {150.0, 770.0, 1100.0, 330.0, 260.0},
                                                    {700.0, 812.0, 1130.0, 330.0, 420.0}}};
+    // The quay on which the foremost houses stand.
+    Face(stage,
+         {{middle - 262.0, 996.0},
+          {stage.width() + 60.0, 900.0},
+          {stage.width() + 60.0, 1120.0},
+          {middle - 420.0, 1120.0}},
+         [](Point p) {
+             const double stone = FractalNoise(p.x / 60.0, p.y / 14.0, 4, 0x73746F6Eu);
+             return Colour{0.70f, 0.62f, 0.51f} * (0.70 + 0.45 * stone);
+         });
     PaintHouse(stage, kHouses[0]);
-    PaintDome(stage, 600.0, 268.0, 118.0);
-    PaintHouse(stage, {604.0, 300.0, 420.0, 190.0, 190.0});
+    PaintDome(stage, 590.0, 262.0, 118.0);
+    // The church under the dome.
+    PaintHouse(stage, {612.0, 314.0, 760.0, 176.0, 168.0});
     for (std::size_t i = 1; i < kHouses.size(); ++i) {
         PaintHouse(stage, kHouses[i]);
     }
-    (void)middle;
     const auto lit = [&](std::size_t i) { return LitWall(middle, kHouses[i]); };
     const auto shade = [&](std::size_t i) { return ShadeWall(middle, kHouses[i]); };
     PaintOpening(stage, lit(1), 0.42, 0.22, 0.17, 0.22, true, false);
@@ -251,8 +313,20 @@ void PaintVillage(const Stage& stage) {
     PaintOpening(stage, lit(3), 0.40, 0.24, 0.16, 0.26, true, false);
     PaintOpening(stage, lit(4), 0.36, 0.22, 0.15, 0.22, true, false);
     PaintOpening(stage, shade(4), 0.28, 0.22, 0.11, 0.20, false, false);
-    PaintBush(stage, 70.0, 770.0, 120.0, 62.0, 900, 0x62757368u);
-    PaintBush(stage, 700.0, 800.0, 190.0, 84.0, 1500, 0x626C6F6Fu);
+    // Chimneys and low sheds on the roofs.
+    for (const House& shed :
+         {House{905.0, 418.0, 480.0, 36.0, 30.0}, House{236.0, 676.0, 742.0, 60.0, 44.0}}) {
+        PaintHouse(stage, shed);
+    }
+    PaintDoor(stage, lit(5), 0.44, 0.105, 0.36, true);
+    PaintOpening(stage, shade(5), 0.34, 0.16, 0.13, 0.20, false, false);
+    PaintDoor(stage, shade(6), 0.48, 0.085, 0.42, false);
+    PaintOpening(stage, lit(6), 0.58, 0.26, 0.13, 0.24, true, false);
+    PaintBush(stage, 96.0, 772.0, 74.0, 46.0, 1500, 0x62757368u);
+    PaintBush(stage, 20.0, 806.0, 44.0, 58.0, 800, 0x68616E67u);
+    PaintBush(stage, 690.0, 812.0, 130.0, 58.0, 3000, 0x626C6F6Fu);
+    PaintBush(stage, 640.0, 868.0, 62.0, 86.0, 1500, 0x6D626F75u);
+    PaintBush(stage, 800.0, 846.0, 74.0, 44.0, 1200, 0x67616976u);
 }
 
 }  // namespace vireon::scenes

@@ -56,10 +56,10 @@ Colour LetterColour(const TextLine& line, Point p, double inside) {
     // A fine edge that catches the light from above.
     const double edge = 1.0 - Ease(inside / 5.0);
     colour = Mix(colour, {1.0f, 0.94f, 0.84f}, edge * std::max(0.0, 0.62 - 0.55 * down));
-    // A narrow shine lies across the letters on a slant, strongest near the seventh letter.
+    // A narrow shine lies across the letters on a slant, strongest on the eighth letter.
     const double across = (p.x - line.corner.x) / line.width();
-    const double shine = (across - 0.655 + 0.045 * (down - 0.5)) / 0.030;
-    const double wide = (across - 0.655 + 0.045 * (down - 0.5)) / 0.16;
+    const double shine = (across - 0.735 + 0.045 * (down - 0.5)) / 0.030;
+    const double wide = (across - 0.735 + 0.045 * (down - 0.5)) / 0.16;
     const double hot = 1.0 / ((1.0 + shine * shine) * (1.0 + shine * shine));
     const double warm = 1.0 / ((1.0 + wide * wide) * (1.0 + wide * wide));
     return colour + Colour{1.0f, 0.90f, 0.70f} * (11.0 * hot * hot + 0.20 * warm);

@@ -111,6 +111,23 @@ TEST(Canvas, SoftLightAddsUpAndEndsAtItsRadius) {
     EXPECT_EQ(canvas.at(30, 20).red, 0.0f);
 }
 
+TEST(Canvas, TransparentGroundKeepsStraightColour) {
+    Canvas canvas(2, 1, Ground::kTransparent);
+    EXPECT_EQ(canvas.alphaAt(0, 0), 0.0f);
+    canvas.blend(0, 0, {0.8f, 0.4f, 0.2f}, 0.25);
+    EXPECT_FLOAT_EQ(canvas.alphaAt(0, 0), 0.25f);
+    EXPECT_FLOAT_EQ(canvas.at(0, 0).red, 0.8f);
+    // Half of something else over it: 0.5 + 0.25 * 0.5 in all, 0.5 of that the new colour.
+    canvas.blend(0, 0, {0.0f, 0.4f, 1.0f}, 0.5);
+    EXPECT_FLOAT_EQ(canvas.alphaAt(0, 0), 0.625f);
+    EXPECT_NEAR(canvas.at(0, 0).red, 0.8 * 0.125 / 0.625, 1e-6);
+    EXPECT_FLOAT_EQ(canvas.at(0, 0).green, 0.4f);
+    canvas.blend(0, 0, kWhite, 1.0);
+    EXPECT_EQ(canvas.alphaAt(0, 0), 1.0f);
+    EXPECT_FLOAT_EQ(canvas.at(0, 0).red, 1.0f);
+    EXPECT_EQ(canvas.alphaAt(1, 0), 0.0f);
+}
+
 TEST(Random, IsEvenAndRepeats) {
     Random a(7);
     Random b(7);
