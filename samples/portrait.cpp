@@ -48,11 +48,11 @@ Vec3 NormalAt(Vec3 p) {
 double Reaching(Vec3 p, Vec3 towards, double wide) {
     double open = 1.0;
     double way = 0.06;
-    for (int i = 0; i < 22 && way < 2.6; ++i) {
+    for (int i = 0; i < 48 && way < 2.4; ++i) {
         const double clear = DistanceAt(p + towards * way);
         open = std::min(open, 0.5 + 0.5 * clear / (wide * way));
         if (open <= 0.0) return 0.0;
-        way += std::clamp(clear, 0.03, 0.22);
+        way += std::clamp(0.6 * clear, 0.02, 0.10);
     }
     return open * open * (3.0 - 2.0 * open);
 }

@@ -64,7 +64,7 @@ double Neck(Vec3 p) {
 double Dress(Vec3 p) {
     const double shoulders = Rod(p, {-0.86, -2.12, -0.28}, {1.22, -2.06, -0.60}, 0.31, 0.31);
     const double chest = Ellipsoid(p, {0.20, -2.80, -0.36}, {1.26, 1.22, 0.72});
-    const double slope = Rod(p, {0.22, -1.42, -0.40}, {0.22, -2.10, -0.42}, 0.30, 0.80);
+    const double slope = Rod(p, {0.22, -1.42, -0.40}, {0.22, -2.80, -0.44}, 0.30, 1.31);
     const double cloth = Joined(Joined(shoulders, chest, 0.45), slope, 0.30);
     if (cloth > 0.25) return cloth - 0.02;
     return cloth - 0.012 * Wave(1.7 * p.x + 0.9 * p.y + 0.4 * p.z);

@@ -138,8 +138,8 @@ TEST(Catalogue, ScenesScaleWithTheHeight) {
     for (const Scene& scene : Scenes()) {
         // Random values have no composition; lights keep to a grid of pixels.
         if (scene.name == "noise" || scene.name == "lights") continue;
-        const std::vector<double> small = Composition(scene.draw({192, 108, LightRange::kDisplay}));
-        const std::vector<double> large = Composition(scene.draw({384, 216, LightRange::kDisplay}));
+        const std::vector<double> small = Composition(scene.draw({320, 180, LightRange::kDisplay}));
+        const std::vector<double> large = Composition(scene.draw({640, 360, LightRange::kDisplay}));
         for (std::size_t i = 0; i < small.size(); ++i) {
             EXPECT_NEAR(small[i], large[i], 0.04) << scene.name << " cell " << i;
         }
