@@ -46,6 +46,8 @@ std::vector<float> Premultiplied(std::vector<float> samples) {
 void WriteTo(const fs::path& file, const Canvas& canvas, bool withAlpha, FileDepth depth,
              const std::string& path) {
     OIIO::ImageSpec spec(canvas.width(), canvas.height(), withAlpha ? 4 : 3, TypeOf(depth));
+    // An EXR would carry the time of writing; the same scene is to be the same file.
+    spec.attribute("DateTime", "2000:01:01 00:00:00");
     const bool premultiplied = withAlpha && depth == FileDepth::kFloat;
     if (withAlpha && !premultiplied) {
         spec.attribute("oiio:UnassociatedAlpha", 1);
