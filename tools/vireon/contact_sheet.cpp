@@ -48,11 +48,16 @@ std::string FindFont() {
     return {};
 }
 
-float LargestColour(const Picture& picture) {
+Color ShownColor(const StagePicture& stage, std::int32_t x, std::int32_t y) {
+    const Color straight = PixelAt(stage.picture, x, y);
+    return stage.showsAlpha ? Associated(straight) : straight;
+}
+
+float LargestColour(const StagePicture& stage) {
     double largest = 0;
-    for (std::int32_t y = 0; y < picture.height; ++y) {
-        for (std::int32_t x = 0; x < picture.width; ++x) {
-            const Color color = PixelAt(picture, x, y);
+    for (std::int32_t y = 0; y < stage.picture.height; ++y) {
+        for (std::int32_t x = 0; x < stage.picture.width; ++x) {
+            const Color color = ShownColor(stage, x, y);
             for (const double value : {color.red, color.green, color.blue}) {
                 if (std::isfinite(value)) largest = std::max(largest, value);
             }
@@ -67,8 +72,7 @@ OIIO::ImageBuf Shown(const StagePicture& stage, float divisor) {
     OIIO::ImageBuf shown(OIIO::ImageSpec(picture.width, picture.height, 3, OIIO::TypeDesc::FLOAT));
     for (std::int32_t y = 0; y < picture.height; ++y) {
         for (std::int32_t x = 0; x < picture.width; ++x) {
-            const Color straight = PixelAt(picture, x, y);
-            const Color color = stage.isData ? straight : Associated(straight);
+            const Color color = ShownColor(stage, x, y);
             const auto value = [divisor](double channel) {
                 const double scaled = channel / divisor;
                 return scaled > 0 ? static_cast<float>(std::min(scaled, 1.0)) : 0.0f;
@@ -126,7 +130,7 @@ std::vector<std::uint8_t> ContactSheet(const std::vector<StagePicture>& stages,
     for (std::size_t i = 0; i < stages.size(); ++i) {
         const int left = kGap + static_cast<int>(i) % kColumns * cellWidth;
         const int top = kGap + static_cast<int>(i) / kColumns * cellHeight;
-        const float divisor = std::max(1.0f, LargestColour(stages[i].picture));
+        const float divisor = std::max(1.0f, LargestColour(stages[i]));
         OIIO::ImageBuf shown = Shown(stages[i], divisor);
         if (scale < 1.0) {
             shown = OIIO::ImageBufAlgo::resize(shown, "box", 0.0f,

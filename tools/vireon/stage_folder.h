@@ -17,6 +17,8 @@ struct StagePicture {
     headless::Picture picture;
     /// Whether these are the effect's own numbers, to be kept as they stand, and not a picture.
     bool isData = true;
+    /// Whether the contact sheet shows colour multiplied by alpha.
+    bool showsAlpha = true;
 };
 
 /// Throws ToolError when stages cannot be written into `folder`: it is no folder and cannot become

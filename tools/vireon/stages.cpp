@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 #include <utility>
 
 #include "image/convert_pixels.h"
@@ -90,6 +91,19 @@ double ValueOf(const RenderJob& job, const ParameterOption& option) {
     return value != job.values.end() ? value->second.x : option.parameter.defaultValue;
 }
 
+/// Whether a stage is a glow whose intensity the effect moves into alpha.
+bool HasLightInAlpha(const StageSpec& spec, const RenderJob& job,
+                     const std::vector<ParameterOption>& options) {
+    const bool isGlow = std::any_of(
+        spec.settings.begin(), spec.settings.end(),
+        [](const auto& setting) { return std::string_view(setting.first) == "Transfer Mode"; });
+    if (!isGlow) {
+        return false;
+    }
+    const ParameterOption& channels = Find(options, "Channels");
+    return ValueOf(job, channels) == ParseValue(channels, "RGBA", {}, "--stages").x;
+}
+
 bool IsThere(When when, const RenderJob& job, const std::vector<ParameterOption>& options) {
     switch (when) {
         case When::kBlurred: return ValueOf(job, Find(options, "Blur Input")) > 0;
@@ -150,7 +164,7 @@ std::vector<Stage> StagesOf(const RenderJob& job, const std::vector<ParameterOpt
         if (!IsThere(spec.when, job, options)) {
             continue;
         }
-        Stage stage{spec.file, spec.title, spec.text, base};
+        Stage stage{spec.file, spec.title, spec.text, HasLightInAlpha(spec, job, options), base};
         for (const auto& [name, text] : spec.settings) {
             const ParameterOption& option = Find(options, name);
             stage.job.values[option.parameter.index] = ParseValue(option, text, frame, "--stages");

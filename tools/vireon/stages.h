@@ -13,6 +13,8 @@ struct Stage {
     std::string file;   ///< name without extension: number and title, "02-brightness-map"
     std::string title;  ///< "brightness map"
     std::string text;   ///< what it shows, one sentence without a full stop
+    /// Whether a part of the light is in alpha, as it is in a glow on a layer that is not opaque.
+    bool hasLightInAlpha = false;
     headless::RenderJob job;
 };
 

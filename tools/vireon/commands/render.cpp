@@ -344,7 +344,8 @@ void RenderCommand::writeStages(const RenderJob& job, const headless::Picture& o
         RenderResult result = render(stage.job);
         StopIfInterrupted();
         CheckResult(result);
-        pictures.push_back({stage.file, stage.title, stage.text, std::move(result.output)});
+        pictures.push_back({stage.file, stage.title, stage.text, std::move(result.output),
+                            /*isData=*/true, stage.hasLightInAlpha});
     }
     pictures.push_back({kOutputStage, "output", "what the effect made of the frame", output,
                         /*isData=*/false});
