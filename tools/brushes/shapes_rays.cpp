@@ -66,11 +66,11 @@ SixRays EvenRays(double firstDirection, double sigma) {
 
 // The light that the spikes stand in.
 double SpikeCore(Position p) {
-    return (Glow(p, 0.20, 0.25) + Glow(p, 0.29, 0.25)) * RimFade(p, 0.50);
+    return (Glow(p, 0.205, 0.25) + Glow(p, 0.275, 0.26)) * RimFade(p, 0.50);
 }
 
-constexpr double kSpikeLevel = 1.6;
-constexpr double kSpikeSigma = 0.050;
+constexpr double kSpikeLevel = 1.4;
+constexpr double kSpikeSigma = 0.052;
 
 }  // namespace
 

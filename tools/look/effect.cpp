@@ -33,8 +33,8 @@ constexpr const char* kSeparator = "(-";
 
 }  // namespace
 
-Effect::Effect(const headless::EffectLibrary& library, double radiusScale)
-    : host_(library, QuietSettings()), radiusScale_(radiusScale) {
+Effect::Effect(const headless::EffectLibrary& library, double scale)
+    : host_(library, QuietSettings()), scale_(scale) {
     for (const headless::CommandResult& result : host_.setUp()) {
         if (result.error != 0) throw std::runtime_error("the effect refused: " + result.report());
     }
@@ -48,7 +48,9 @@ void Effect::reset() {
     host_.settings().fullWidth = 0;
     host_.settings().fullHeight = 0;
     const std::int32_t radius = find("Glow Radius");
-    host_.setNumber(radius, host_.number(radius) * radiusScale_);
+    host_.setNumber(radius, host_.number(radius) * scale_);
+    const std::int32_t intensity = find("Glow Intensity");
+    host_.setNumber(intensity, host_.number(intensity) / (scale_ * scale_));
 }
 
 void Effect::showGlowAlone() {

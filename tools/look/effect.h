@@ -12,13 +12,13 @@ namespace vireon::look {
 class Effect {
   public:
     /// \param library  must outlive the effect
-    /// \param radiusScale  by which every Glow Radius is multiplied: what the pictures' height is
-    /// to
-    ///        that for which radii are meant
+    /// \param scale  what the pictures' height is to that for which radii are meant, 0.32 or more:
+    ///        Glow Radius is multiplied by it and Glow Intensity divided by its square, since the
+    ///        light of a stamp goes with its area; the look is then that of the full size
     /// Throws std::runtime_error when the effect refuses a command.
-    Effect(const headless::EffectLibrary& library, double radiusScale);
+    Effect(const headless::EffectLibrary& library, double scale);
 
-    /// Back to the registered parameters, the radius scaled, at full resolution.
+    /// Back to the registered parameters, radius and intensity scaled, at full resolution.
     void reset();
 
     /// The glow alone, without the layer and without a limit to its light.
@@ -41,7 +41,7 @@ class Effect {
     std::int32_t find(const std::string& parameter) const;
 
     headless::Host host_;
-    double radiusScale_;
+    double scale_;
 };
 
 }  // namespace vireon::look

@@ -38,8 +38,8 @@ int main(int argc, char** argv) {
     int height = 540;
     bool full = false;
     bool quiet = false;
-    // Smaller scenes would leave nothing of a lamp at Quality 16:1.
-    const CLI::Range sides(128, 8192);
+    // The intensity of lower scenes would have to exceed its range to keep the look.
+    const CLI::Range sides(346, 8192);
     app.add_option("--plugin", plugin, "Effect to measure")->type_name("FILE");
     app.add_option("--json", json, "Write the figures to this file as well")->type_name("FILE");
     auto* widthOption = app.add_option("--width", width, "Width of the scenes")->check(sides);

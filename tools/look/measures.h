@@ -12,7 +12,7 @@ namespace vireon::look {
 struct Subject {
     const headless::EffectLibrary* library;  ///< the effect
     int width;                               ///< of every scene, pixels
-    int height;                              ///< the radius is scaled with it from 1080
+    int height;  ///< pixels, 346 or more; radius and intensity are scaled with it from 1080
 };
 
 /// A scene at the effect's default settings.

@@ -32,10 +32,11 @@ std::string Head(const std::string& heading, const std::vector<std::string>& col
 }  // namespace
 
 std::string MarkdownOf(const Measures& measures, const Subject& subject) {
+    const double scale = subject.height / 1080.0;
     std::string text = "Scenes of " + std::to_string(subject.width) + "x" +
-                       std::to_string(subject.height) +
-                       " pixels, Glow Radius scaled with the height (" +
-                       Number(100.0 * subject.height / 1080.0, 1) + " instead of 100).\n";
+                       std::to_string(subject.height) + " pixels, Glow Radius " +
+                       Number(100.0 * scale, 1) + ", Glow Intensity " +
+                       Number(10.0 / (scale * scale), 1) + " %.\n";
 
     text += Head("Brightness at the default settings",
                  {"scene", "mean before", "mean after", "ratio", "white before", "white after"});
