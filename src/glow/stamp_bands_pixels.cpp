@@ -117,7 +117,7 @@ class CacheForm final : public BandForm {
         const std::int32_t bottom =
             std::min(y + box.firstRow + box.rows, band.firstRow + band.rows);
         if (top >= bottom) return;
-        band.touched = true;
+        band.touch(top, bottom, x + box.firstColumn, x + run - 1 + box.firstColumn + box.columns);
         simd::StampSpan span{};
         span.plane = band.row(top);
         span.planeStride = band.stride;
@@ -197,7 +197,7 @@ class DirectForm final : public BandForm {
         span.width = band.width;
         for (std::int32_t row = top; row < bottom; ++row) {
             if (!texels_.row(row - y, row_.data() + kStampMargin)) continue;
-            band.touched = true;
+            band.touch(row, row + 1, x + first, x + run - 1 + last + 1);
             span.plane = band.row(row);
             for (std::int32_t done = 0; done < run;) {
                 const std::int32_t copies = std::min(run - done, kMostCopies);
@@ -248,7 +248,7 @@ class RunsForm final : public BandForm {
         const std::int32_t y = band.firstRow + index - (band.firstRow == 0 ? margin_ : 0);
         changed_ = addCorners(y) || changed_;
         if (y < 0 || !started_) return;
-        band.touched = true;
+        band.touch(y, y + 1, 0, band.width);
         if (changed_) integrate();
         changed_ = false;
         std::copy(row_.begin(), row_.end(), band.row(y));
@@ -300,6 +300,21 @@ class RunsForm final : public BandForm {
 };
 
 }  // namespace
+
+void GlowBand::touch(std::int32_t firstTouched, std::int32_t lastTouched, std::int32_t left,
+                     std::int32_t right) {
+    const std::int32_t first = std::max(left, 0) / kTileColumns;
+    const std::int32_t last = TilesAcross(std::min(right, width));
+    if (first >= last) return;
+    const std::int32_t across = TilesAcross(width);
+    std::uint8_t* row = tileRow(firstTouched);
+    const std::uint8_t* const end = tileRow(lastTouched - 1);
+    for (; row <= end; row += across) {
+        std::int32_t tile = first;
+        do row[tile] = 1;
+        while (++tile < last);
+    }
+}
 
 std::ptrdiff_t PlaneStride(std::int32_t width) {
     const std::ptrdiff_t blocks =

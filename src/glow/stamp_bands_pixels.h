@@ -10,6 +10,19 @@
 
 namespace vireon {
 
+/// Size of the tiles by which a band knows where it holds anything.
+inline constexpr std::int32_t kTileColumns = 64;
+inline constexpr std::int32_t kTileRows = 8;
+
+/// Tiles side by side that hold so many columns.
+inline constexpr std::int32_t TilesAcross(std::int32_t width) {
+    return (width + kTileColumns - 1) / kTileColumns;
+}
+/// Tiles above each other that hold so many rows.
+inline constexpr std::int32_t TilesDown(std::int32_t rows) {
+    return (rows + kTileRows - 1) / kTileRows;
+}
+
 /// Some rows of one channel of the glow while stamps are added to them.
 struct GlowBand {
     float* values = nullptr;
@@ -17,9 +30,17 @@ struct GlowBand {
     std::int32_t width = 0;
     std::int32_t firstRow = 0;  ///< of the image
     std::int32_t rows = 0;
-    bool touched = false;  ///< whether anything was added
+    /// For each tile, row by row: 1 when anything may have been added to it, else 0.
+    std::uint8_t* tiles = nullptr;
 
     float* row(std::int32_t y) const { return values + (y - firstRow) * stride; }
+    std::uint8_t* tileRow(std::int32_t y) const {
+        return tiles + (y - firstRow) / kTileRows * TilesAcross(width);
+    }
+    /// Flags the tiles of rows of the band, first to before the last, and of columns that may lie
+    /// outside it.
+    void touch(std::int32_t firstTouched, std::int32_t lastTouched, std::int32_t left,
+               std::int32_t right);
 };
 
 /// Floats from row to row of a plane of a width; no multiple of a page, so that the rows of a stamp

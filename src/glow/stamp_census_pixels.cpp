@@ -27,18 +27,36 @@ std::size_t LightBlocks(std::int32_t width) {
     return static_cast<std::size_t>(width / kLightBlock) + 1;
 }
 
-void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std::int32_t y,
-                const Splat& splat, const ChannelFlags& channels,
-                std::vector<std::uint8_t>& blocks) {
-    std::int32_t chosen[kChannels];
-    for (std::int32_t c = 0; c < kChannels; ++c) chosen[c] = channels.enabled[c] ? -1 : 0;
-    kernels.stamps.flagLights(source.row(y), source.width, splat.radius, chosen, blocks.data());
+LitBlocks::LitBlocks(std::int32_t width) : flags(LightBlocks(width), 0) {
+    places.reserve(flags.size());
 }
 
-StampCensus::StampCensus(const Splat& splat, std::int32_t width, std::int32_t height)
+void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std::int32_t y,
+                const Splat& splat, const ChannelFlags& channels, LitBlocks& blocks) {
+    std::int32_t chosen[kChannels];
+    for (std::int32_t c = 0; c < kChannels; ++c) chosen[c] = channels.enabled[c] ? -1 : 0;
+    kernels.stamps.flagLights(source.row(y), source.width, splat.radius, chosen,
+                              blocks.flags.data());
+    blocks.places.clear();
+    // Most are dark: eight at a look.
+    const std::size_t count = blocks.flags.size();
+    for (std::size_t first = 0; first < count; first += sizeof(std::uint64_t)) {
+        std::uint64_t flags = 0;
+        const std::size_t some = std::min(count - first, sizeof flags);
+        std::memcpy(&flags, blocks.flags.data() + first, some);
+        if (flags == 0) continue;
+        for (std::size_t i = first; i < first + some; ++i) {
+            if (blocks.flags[i] != 0) blocks.places.push_back(static_cast<std::int32_t>(i));
+        }
+    }
+}
+
+StampCensus::StampCensus(const Splat& splat, std::int32_t width, std::int32_t height,
+                         std::int32_t channel)
     : splat_(splat),
       width_(width),
       height_(height),
+      channel_(channel),
       // Both lists of all channels together stay below one float a pixel.
       mostKept_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) / 32 + 64),
       slots_(kSlots, Slot{0, kNoStamp}),
@@ -95,24 +113,25 @@ void StampCensus::dropRuns() {
     runs_ = {};
 }
 
-void StampCensus::addRow(const float* pixels, const std::vector<std::uint8_t>& blocks) {
+void StampCensus::addRow(const float* row, const LitBlocks& blocks) {
+    const float* const values = row + channel_;
+    const int flag = 1 << channel_;
     float lastValue = 0.0f;
     StampSize size{0.0f, 0};
     StampRun run{0, 0, kNoStamp};
-    for (std::size_t block = 0; block < blocks.size(); ++block) {
-        const std::int32_t begin = static_cast<std::int32_t>(block) * kLightBlock;
-        if (blocks[block] == 0) {
-            if (size.reach != 0) {
-                run.length = begin - run.x;
-                endRun(run, size);
-                lastValue = 0.0f;
-                size = {0.0f, 0};
-            }
-            continue;
+    std::int32_t x = 0;
+    for (const std::int32_t block : blocks.places) {
+        if ((blocks.flags[static_cast<std::size_t>(block)] & flag) == 0) continue;
+        const std::int32_t begin = block * kLightBlock;
+        if (size.reach != 0 && begin != x) {
+            run.length = x - run.x;
+            endRun(run, size);
+            size = {0.0f, 0};
         }
+        if (begin != x) lastValue = 0.0f;
         const std::int32_t end = std::min(begin + kLightBlock, width_);
-        for (std::int32_t x = begin; x < end; ++x) {
-            const float value = pixels[static_cast<std::ptrdiff_t>(x) * kChannels];
+        for (x = begin; x < end; ++x) {
+            const float value = values[static_cast<std::ptrdiff_t>(x) * kChannels];
             if (value == lastValue) continue;  // NaN never equals and makes no stamp
             lastValue = value;
             const StampSize next = StampSizeOf(value, splat_);
@@ -126,13 +145,22 @@ void StampCensus::addRow(const float* pixels, const std::vector<std::uint8_t>& b
         }
     }
     if (size.reach != 0) {
-        run.length = width_ - run.x;
+        run.length = x - run.x;
         endRun(run, size);
     }
     ++rows_;
     if (hasRuns_) runRows_.push_back(runs_.size());
-    if (!hasCorners_) return;
-    std::copy(blocks.begin(), blocks.end(), blocks_.begin());
+    if (hasCorners_) addRowOfCorners(blocks);
+}
+
+void StampCensus::addRowOfCorners(const LitBlocks& blocks) {
+    if (blocks.places.empty() && !litAbove_ && rows_ < height_) {
+        // Dark upon dark has no corners.
+        cornerRows_.push_back(corners_.size());
+        return;
+    }
+    litAbove_ = !blocks.places.empty();
+    std::copy(blocks.flags.begin(), blocks.flags.end(), blocks_.begin());
     addCorners();
     if (hasCorners_ && rows_ == height_) addCorners();
 }

@@ -16,11 +16,16 @@ struct KernelTable;
 /// Blocks of `simd::kLightBlock` pixels of a row of a width, the pixel right of it included.
 std::size_t LightBlocks(std::int32_t width);
 
-/// Flags the blocks of a source row that may hold pixels with a stamp in any of the channels.
-/// \param blocks  `LightBlocks` flags
+/// The blocks of a source row that may hold pixels with a stamp in a channel.
+struct LitBlocks {
+    explicit LitBlocks(std::int32_t width);
+
+    std::vector<std::uint8_t> flags;   ///< of each of the `LightBlocks`: bit c for channel c
+    std::vector<std::int32_t> places;  ///< of those with any flag, from the left
+};
+
 void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std::int32_t y,
-                const Splat& splat, const ChannelFlags& channels,
-                std::vector<std::uint8_t>& blocks);
+                const Splat& splat, const ChannelFlags& channels, LitBlocks& blocks);
 
 /// Neighbouring pixels of a row that make stamps of one size.
 struct StampRun {
@@ -41,13 +46,14 @@ struct StampCorner {
 class StampCensus {
   public:
     /// \param width, height  of the source
-    StampCensus(const Splat& splat, std::int32_t width, std::int32_t height);
+    /// \param channel  which is looked at
+    StampCensus(const Splat& splat, std::int32_t width, std::int32_t height, std::int32_t channel);
 
     /// Takes in the next row, from the top.
-    /// \param pixels  the row's first float of the channel
+    /// \param row  its first pixel
     /// \param blocks  of the row, see `FindLights`
     /// \throws std::bad_alloc
-    void addRow(const float* pixels, const std::vector<std::uint8_t>& blocks);
+    void addRow(const float* row, const LitBlocks& blocks);
 
     double stamps() const { return stamps_; }
     double texels() const { return texels_; }
@@ -94,12 +100,14 @@ class StampCensus {
     std::size_t slotOf(float scale) const;
     std::int32_t placeOf(StampSize size);
     void endRun(StampRun& run, StampSize size);
+    void addRowOfCorners(const LitBlocks& blocks);
     void addCorners();
     void addCornersOfBlock(std::int32_t begin);
 
     const Splat& splat_;
     std::int32_t width_;
     std::int32_t height_;
+    std::int32_t channel_;
     std::size_t mostKept_;
     double stamps_ = 0.0;
     double texels_ = 0.0;
@@ -119,6 +127,7 @@ class StampCensus {
     std::vector<std::int32_t> row_;
     std::vector<std::uint8_t> blocksAbove_;
     std::vector<std::uint8_t> blocks_;
+    bool litAbove_ = false;  ///< whether any block of the row before is flagged
     std::vector<StampCorner> corners_;
     std::vector<std::size_t> cornerRows_{0};
     std::vector<StampRun> runs_;

@@ -12,6 +12,9 @@ namespace {
 // Of a band of one channel: all channels of it stay in a processor's own cache.
 constexpr std::ptrdiff_t kBandBytes = 524288;
 
+// A picture that the caches of many processors do not hold: writing it past them spares reading it.
+constexpr std::ptrdiff_t kStreamedBytes = std::ptrdiff_t{16} << 20;
+
 // Looking at the source is done by this share of the whole.
 constexpr double kCensusShare = 1.0 / 16.0;
 
@@ -38,10 +41,13 @@ StampConvolution::StampConvolution(const simd::KernelTable& kernels, const Float
       splat_(splat),
       channels_(channels),
       forced_(forced),
-      blocks_(LightBlocks(source.width)) {
+      blocks_(source.width),
+      streams_(static_cast<std::ptrdiff_t>(destination.width) * destination.height * kChannels *
+                   static_cast<std::ptrdiff_t>(sizeof(float)) >
+               kStreamedBytes) {
     for (std::int32_t c = 0; c < kChannels; ++c) {
         if (channels_.enabled[c]) {
-            work_[c].census = std::make_unique<StampCensus>(splat, source.width, source.height);
+            work_[c].census = std::make_unique<StampCensus>(splat, source.width, source.height, c);
         }
     }
 }
@@ -70,7 +76,7 @@ void StampConvolution::takeCensus(std::int32_t endRow) {
     for (; censusRow_ < endRow; ++censusRow_) {
         FindLights(kernels_, source_, censusRow_, splat_, channels_, blocks_);
         for (std::int32_t c = 0; c < kChannels; ++c) {
-            if (work_[c].census) work_[c].census->addRow(source_.row(censusRow_) + c, blocks_);
+            if (work_[c].census) work_[c].census->addRow(source_.row(censusRow_), blocks_);
         }
     }
     if (censusRow_ == source_.height) {
@@ -80,6 +86,7 @@ void StampConvolution::takeCensus(std::int32_t endRow) {
 }
 
 void StampConvolution::chooseForms() {
+    runsAreExact_ = RunsAreExact(splat_);
     for (std::int32_t c = 0; c < kChannels; ++c) {
         if (!work_[c].census) continue;
         const StampCensus& census = *work_[c].census;
@@ -116,11 +123,11 @@ double StampConvolution::costOf(const StampCensus& census, ConvolutionForm form)
             return census.texels() + kEvaluateCost * census.stampTexels();
         case ConvolutionForm::kDirect: return census.texels() + kEvaluateCost * census.runTexels();
         case ConvolutionForm::kRuns:
-            if (!census.hasCorners() || !RunsAreExact(splat_)) return kNever;
+            if (!census.hasCorners() || !runsAreExact_) return kNever;
             return kCornerTexelCost * census.cornerTexels() + kEvaluateCost * census.stampTexels() +
                    kIntegrateCost * pixels;
         case ConvolutionForm::kRanges: {
-            if (!RunsAreExact(splat_)) return kNever;
+            if (!runsAreExact_) return kNever;
             const double parts =
                 std::ceil(census.stamps() / static_cast<double>(RangesForm::kMostRecords));
             const double ranges =
@@ -161,7 +168,10 @@ void StampConvolution::startForms() {
         }
         bands = true;
         work.plane.resize(static_cast<std::size_t>(stride * bandRows_));
+        work.tiles.resize(static_cast<std::size_t>(TilesAcross(source_.width)) *
+                          static_cast<std::size_t>(TilesDown(bandRows_)));
         work.band.values = work.plane.data();
+        work.band.tiles = work.tiles.data();
         work.band.stride = stride;
         work.band.width = source_.width;
         double steps = 0.0;
@@ -190,8 +200,6 @@ void StampConvolution::startBand(std::int32_t firstRow) {
         if (!work.form) continue;
         work.band.firstRow = firstRow;
         work.band.rows = std::min(bandRows_, source_.height - firstRow);
-        if (work.band.touched) std::fill(work.plane.begin(), work.plane.end(), 0.0f);
-        work.band.touched = false;
     }
 }
 
@@ -209,6 +217,7 @@ void StampConvolution::workOnBands() {
             if (!work.form) continue;
             work.form.reset();
             work.plane = {};
+            work.tiles = {};
         }
         return;
     }
@@ -222,25 +231,62 @@ void StampConvolution::workOnBands() {
     doneCost_ += work.stepCost;
 }
 
-// Channels of other forms become 0.
+// Channels of other forms become 0. Leaves the planes 0.
 void StampConvolution::writeBand() {
     const std::int32_t rows = std::min(bandRows_, source_.height - bandRow_);
-    for (std::int32_t y = bandRow_; y < bandRow_ + rows; ++y) {
-        const float* planes[kChannels];
-        for (std::int32_t c = 0; c < kChannels; ++c) {
-            const bool has = work_[c].form && work_[c].band.touched;
-            planes[c] = has ? work_[c].band.row(y) : nullptr;
-        }
-        kernels_.stamps.writePixels(planes, destination_.row(y), destination_.width);
+    for (std::int32_t row = 0; row < rows; row += kTileRows) {
+        writeTiles(bandRow_ + row, std::min(kTileRows, rows - row));
     }
+    kernels_.stamps.endStreams();
+    for (ChannelWork& work : work_) std::fill(work.tiles.begin(), work.tiles.end(), 0);
     writtenRows_ = bandRow_ + rows;
+}
+
+void StampConvolution::writeTiles(std::int32_t firstRow, std::int32_t rows) {
+    const std::int32_t width = destination_.width;
+    stretches_.clear();
+    for (std::int32_t column = 0; column < width; column += kTileColumns) {
+        Stretch next{column, std::min(kTileColumns, width - column), {}};
+        for (std::int32_t c = 0; c < kChannels; ++c) {
+            next.holds[c] =
+                work_[c].form && work_[c].band.tileRow(firstRow)[column / kTileColumns] != 0;
+        }
+        if (stretches_.empty() || stretches_.back().isEmpty() != next.isEmpty()) {
+            stretches_.push_back(next);
+            continue;
+        }
+        Stretch& last = stretches_.back();
+        last.columns += next.columns;
+        for (std::int32_t c = 0; c < kChannels; ++c) last.holds[c] |= next.holds[c];
+    }
+    for (std::int32_t y = firstRow; y < firstRow + rows; ++y) {
+        for (const Stretch& stretch : stretches_) {
+            float* const pixels = destination_.pixel(stretch.firstColumn, y);
+            if (stretch.isEmpty()) {
+                kernels_.stamps.clearPixels(pixels, stretch.columns, streams_);
+                continue;
+            }
+            float* planes[kChannels];
+            for (std::int32_t c = 0; c < kChannels; ++c) {
+                planes[c] = stretch.holds[c] ? work_[c].band.row(y) + stretch.firstColumn : nullptr;
+            }
+            kernels_.stamps.writePixels(planes, pixels, stretch.columns, streams_);
+            if (stretch.firstColumn + stretch.columns < width) continue;
+            // What vectors have left right of the picture.
+            for (float* plane : planes) {
+                if (plane == nullptr) continue;
+                plane += stretch.columns;
+                std::fill_n(plane, PlaneStride(width) - width, 0.0f);
+            }
+        }
+    }
 }
 
 void StampConvolution::clearFrom(std::int32_t firstRow) {
     for (std::int32_t y = firstRow; y < destination_.height; ++y) {
-        std::fill_n(destination_.row(y),
-                    static_cast<std::ptrdiff_t>(destination_.width) * kChannels, 0.0f);
+        kernels_.stamps.clearPixels(destination_.row(y), destination_.width, streams_);
     }
+    kernels_.stamps.endStreams();
     writtenRows_ = destination_.height;
 }
 

@@ -45,8 +45,17 @@ class StampConvolution {
         std::unique_ptr<StampCensus> census;
         std::unique_ptr<BandForm> form;
         std::vector<float> plane;
+        std::vector<std::uint8_t> tiles;
         GlowBand band;
         double stepCost = 0.0;  ///< of a step, or of all ranges
+    };
+
+    /// Tiles side by side that hold something, or that hold nothing.
+    struct Stretch {
+        std::int32_t firstColumn;
+        std::int32_t columns;
+        bool holds[kChannels];
+        bool isEmpty() const { return !holds[0] && !holds[1] && !holds[2] && !holds[3]; }
     };
 
     StampSource sourceOf(std::int32_t channel) const;
@@ -59,6 +68,7 @@ class StampConvolution {
     void workOnRanges();
     void startBand(std::int32_t firstRow);
     void writeBand();
+    void writeTiles(std::int32_t firstRow, std::int32_t rows);
     void clearFrom(std::int32_t firstRow);
 
     const simd::KernelTable& kernels_;
@@ -69,8 +79,9 @@ class StampConvolution {
     std::optional<ConvolutionForm> forced_;
     ConvolutionReport report_;
     ChannelWork work_[kChannels];
-    std::vector<std::uint8_t> blocks_;
+    LitBlocks blocks_;
     std::int32_t censusRow_ = 0;
+    bool runsAreExact_ = false;
     double totalCost_ = 0.0;
     double doneCost_ = 0.0;
     bool bandsDone_ = false;
@@ -80,6 +91,8 @@ class StampConvolution {
     std::int32_t channel_ = 0;
     std::int32_t step_ = 0;
     double writeCost_ = 0.0;
+    bool streams_ = false;
+    std::vector<Stretch> stretches_;
     std::int32_t writtenRows_ = 0;
     std::unique_ptr<RangesForm> ranges_;
 };

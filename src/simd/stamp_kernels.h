@@ -33,10 +33,9 @@ struct StampSpan {
 };
 
 struct StampKernels {
-    /// For every `kLightBlock` pixels of a row, and for the rest of it, be it none: 1 when a float
-    /// that is chosen, times `radius`, is at least 1, else 0.
-    /// \param chosen  four masks, all bits set for a channel that counts
-    /// \param flags  pixels / kLightBlock + 1
+    /// For every `kLightBlock` pixels of a row, and for the rest of it, be it none: bit c is set
+    /// when a float of channel c that is chosen, times `radius`, is at least 1. \param chosen  four
+    /// masks, all bits set for a channel that counts \param flags  pixels / kLightBlock + 1
     void (*flagLights)(const float* row, std::ptrdiff_t pixels, float radius,
                        const std::int32_t* chosen, std::uint8_t* flags);
 
@@ -61,8 +60,14 @@ struct StampKernels {
     /// sums[i] += factor x texels[i] in double precision.
     void (*addToSums)(const float* texels, double factor, double* sums, std::ptrdiff_t columns);
 
-    /// Writes pixels from four planes; a null plane is 0.
-    void (*writePixels)(const float* const* planes, float* pixels, std::ptrdiff_t count);
+    /// Writes pixels from four planes and leaves the planes 0; a null plane is 0.
+    /// \param streams  passes the caches by where the pixels lie at a multiple of 16 bytes, for
+    ///        pictures that do not fit them
+    void (*writePixels)(float* const* planes, float* pixels, std::ptrdiff_t count, bool streams);
+    /// Writes pixels that are 0.
+    void (*clearPixels)(float* pixels, std::ptrdiff_t count, bool streams);
+    /// Lets other threads see what was streamed.
+    void (*endStreams)();
 };
 
 }  // namespace vireon::simd

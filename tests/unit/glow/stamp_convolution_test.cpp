@@ -397,6 +397,48 @@ TEST(StampConvolution, PixelsRoundTheImageAreNeitherReadNorWritten) {
     }
 }
 
+TEST(StampConvolution, FewLightsFarApartInPicturesOfSeveralBands) {
+    Random random(13);
+    const GlowKernel kernel = RandomKernel(random, 12, 12);
+    const ChannelFlags channels{{false, true, true, true}};
+    for (const std::int32_t width : {64, 129, 1500}) {
+        Picture source(width, 100);
+        for (int i = 0; i < 12; ++i) {
+            const std::int32_t x = random.whole(0, width - 1);
+            const std::int32_t y = random.whole(0, 99);
+            const std::int32_t c = random.whole(0, 3);
+            const float value = random.real(0.2f, 1.0f);
+            for (std::int32_t right = x; right < std::min(x + i, width); ++right) {
+                source.at(right, y, c) = value;
+            }
+        }
+        const Splat splat = SplatOf(kernel, 9.0f);
+        const Picture plain = PlainGlow(source, splat, channels);
+        for (const Form form : {Form::kCache, Form::kDirect}) {
+            for (const simd::Level level : FastLevels()) {
+                const Fast fast = FastGlow(level, form, source, splat, channels);
+                EXPECT_TRUE(SameBits(fast.glow, plain))
+                    << FormName(form) << ' ' << simd::LevelName(level) << ' ' << width;
+            }
+        }
+    }
+}
+
+TEST(StampConvolution, PicturesTooLargeForTheCachesAreWrittenAlike) {
+    Random random(14);
+    const GlowKernel kernel = RandomKernel(random, 6, 6);
+    Picture source(1501, 800, 3);
+    for (int i = 0; i < 50; ++i) {
+        source.at(random.whole(0, 1500), random.whole(0, 799), random.whole(0, 3)) = 1.0f;
+    }
+    const Splat splat = SplatOf(kernel, 3.0f);
+    const Picture plain = PlainGlow(source, splat, {});
+    for (const simd::Level level : FastLevels()) {
+        const Fast fast = FastGlow(level, Form::kCache, source, splat, {});
+        EXPECT_TRUE(SameBits(fast.glow, plain)) << simd::LevelName(level);
+    }
+}
+
 TEST(StampConvolution, WhatIsNotReachedIsCleared) {
     Random random(10);
     const GlowKernel kernel = RandomKernel(random, 12, 12);

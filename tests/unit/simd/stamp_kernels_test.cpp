@@ -1,0 +1,109 @@
+// The kernels by which a convolution looks at its source and writes its planes, at every level that
+// the machine has.
+
+#include "simd/stamp_kernels.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/unit/support/levels.h"
+#include "tests/unit/support/picture.h"
+
+namespace vireon::test {
+namespace {
+
+constexpr float kCanary = -77.25f;
+constexpr std::ptrdiff_t kMostPixels = 70;
+
+class StampKernelsOfLevel : public testing::TestWithParam<simd::Level> {
+  protected:
+    const simd::StampKernels& kernels() const { return simd::KernelsOf(GetParam())->stamps; }
+};
+
+TEST_P(StampKernelsOfLevel, WritesPixelsWhereverTheyLieAndLeavesThePlanesZero) {
+    Random random(31);
+    for (const bool streams : {false, true}) {
+        for (std::ptrdiff_t count = 0; count <= kMostPixels; ++count) {
+            for (std::ptrdiff_t offset = 0; offset < 4; ++offset) {
+                const auto none = random.whole(0, 4);
+                std::vector<float> planes[kChannels];
+                float* places[kChannels];
+                for (std::int32_t c = 0; c < kChannels; ++c) {
+                    planes[c].resize(static_cast<std::size_t>(count) + 1, kCanary);
+                    std::generate_n(planes[c].begin(), count,
+                                    [&] { return random.real(-1.0f, 9.0f); });
+                    places[c] = c == none ? nullptr : planes[c].data();
+                }
+                std::vector<float> want(static_cast<std::size_t>(4 * count), 0.0f);
+                for (std::ptrdiff_t i = 0; i < 4 * count; ++i) {
+                    if (i % 4 != none) {
+                        want[static_cast<std::size_t>(i)] =
+                            planes[i % 4][static_cast<std::size_t>(i / 4)];
+                    }
+                }
+                std::vector<float> got(static_cast<std::size_t>(4 * count + 8), kCanary);
+                kernels().writePixels(places, got.data() + offset, count, streams);
+                kernels().endStreams();
+                EXPECT_TRUE(std::equal(want.begin(), want.end(), got.begin() + offset));
+                EXPECT_EQ(std::count(got.begin(), got.end(), kCanary), 8);
+                for (std::int32_t c = 0; c < kChannels; ++c) {
+                    EXPECT_EQ(planes[c].back(), kCanary);
+                    if (c == none) continue;
+                    EXPECT_EQ(std::count(planes[c].begin(), planes[c].end(), 0.0f), count);
+                }
+            }
+        }
+    }
+}
+
+TEST_P(StampKernelsOfLevel, ClearsPixelsWhereverTheyLie) {
+    for (const bool streams : {false, true}) {
+        for (std::ptrdiff_t count = 0; count <= kMostPixels; ++count) {
+            for (std::ptrdiff_t offset = 0; offset < 4; ++offset) {
+                std::vector<float> got(static_cast<std::size_t>(4 * count + 8), kCanary);
+                kernels().clearPixels(got.data() + offset, count, streams);
+                kernels().endStreams();
+                EXPECT_EQ(std::count(got.begin() + offset, got.begin() + offset + 4 * count, 0.0f),
+                          4 * count);
+                EXPECT_EQ(std::count(got.begin(), got.end(), kCanary), 8);
+            }
+        }
+    }
+}
+
+TEST_P(StampKernelsOfLevel, FlagsTheChannelsOfEveryBlockThatMakeAStamp) {
+    constexpr float kRadius = 4.0f;
+    Random random(32);
+    for (std::ptrdiff_t pixels = 0; pixels <= kMostPixels; ++pixels) {
+        for (std::int32_t chosen = 0; chosen < 16; ++chosen) {
+            std::int32_t masks[kChannels];
+            for (std::int32_t c = 0; c < kChannels; ++c) masks[c] = (chosen >> c & 1) != 0 ? -1 : 0;
+            std::vector<float> row(static_cast<std::size_t>(4 * pixels));
+            std::vector<std::uint8_t> want(static_cast<std::size_t>(pixels / simd::kLightBlock + 1),
+                                           0);
+            for (std::ptrdiff_t i = 0; i < 4 * pixels; ++i) {
+                const bool lit = random.bits() % 41 == 0;
+                row[static_cast<std::size_t>(i)] =
+                    lit ? random.real(0.25f, 2.0f) : random.real(-2.0f, 0.249f);
+                if (!lit || masks[i % 4] == 0) continue;
+                auto& flags = want[static_cast<std::size_t>(i / 4 / simd::kLightBlock)];
+                flags = static_cast<std::uint8_t>(flags | 1 << i % 4);
+            }
+            std::vector<std::uint8_t> got(want.size() + 1, 0xEE);
+            kernels().flagLights(row.data(), pixels, kRadius, masks, got.data());
+            EXPECT_EQ(got.back(), 0xEE);
+            got.pop_back();
+            EXPECT_EQ(got, want) << pixels << " pixels, channels " << chosen;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Levels, StampKernelsOfLevel, testing::ValuesIn(KernelLevels()),
+                         LevelOfTest);
+
+}  // namespace
+}  // namespace vireon::test
