@@ -11,6 +11,7 @@
 #include "image/convert_pixels.h"
 #include "image/copy_pixels.h"
 #include "image/pixel_format.h"
+#include "simd/level.h"
 
 namespace vireon {
 namespace {
@@ -26,6 +27,22 @@ std::unique_ptr<PluginRaster_API> MakeMemoryRaster(PluginHost_API& host, std::in
         // A size or depth that no raster can have is no host's error.
     }
     return nullptr;
+}
+
+void ToFloat(const RasterLayout& source, const FloatImage& destination) {
+    if (const simd::KernelTable* kernels = simd::ActiveKernels()) {
+        ConvertPixelsToFloat(*kernels, source, destination);
+    } else {
+        ConvertPixelsToFloat(source, destination);
+    }
+}
+
+void FromFloat(const FloatImage& source, const RasterLayout& destination) {
+    if (const simd::KernelTable* kernels = simd::ActiveKernels()) {
+        ConvertPixelsFromFloat(*kernels, source, destination);
+    } else {
+        ConvertPixelsFromFloat(source, destination);
+    }
 }
 
 }  // namespace
@@ -119,7 +136,7 @@ ScopedRaster ConvertToFloat(PluginHost_API& host, PluginRaster_API& source, std:
     const bool hasPixels = from.pixels != nullptr;
     ScopedRaster converted = CreateWorkingRaster(host, source.width(), source.height(), kDepthFloat,
                                                  /*clear=*/!hasPixels, error);
-    if (converted && hasPixels) ConvertPixelsToFloat(from, ViewRaster(host, *converted));
+    if (converted && hasPixels) ToFloat(from, ViewRaster(host, *converted));
     return converted;
 }
 
@@ -129,7 +146,7 @@ std::int32_t ConvertFromFloat(PluginHost_API& host, PluginRaster_API& destinatio
     const RasterLayout from = DescribeRaster(host, source, error);
     if (error != 0) return error;
     const RasterLayout to = DescribeRaster(host, destination, error);
-    if (to.pixels != nullptr) ConvertPixelsFromFloat(FloatView(from), to);
+    if (to.pixels != nullptr) FromFloat(FloatView(from), to);
     return error;
 }
 
