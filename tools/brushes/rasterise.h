@@ -25,9 +25,10 @@ inline constexpr int kBrushRadius = 127;
 /// the inside of an even area gets
 ///     0.1 x sum x (100 (L - 0.5)^1.5 / 128)^2 = 0.061 x sum x (L - 0.5)^3
 /// at every quality: with 120 about 0.9 at full white, 0.5 at 0.9, 0.2 at 0.8 and 0.02 at 0.65. So
-/// no even area of a display's picture gets more glow than white has light. A smaller sum leaves
-/// lamps of a few pixels without a visible halo; a larger one turns skin and sunlit walls yellow,
-/// as their strongest channel clips before the others. docs/brightness.md has what was measured.
+/// no even area of a display's picture gets more glow than white has light. A smaller sum
+/// leaves lamps of a few pixels without a visible halo; a larger one gives lit skin yellow patches
+/// and makes sunlit walls white, as the channels of a colour clip one after the other.
+/// docs/brightness.md has what was measured.
 inline constexpr double kBrushEnergy = 120.0;
 
 /// Draws a shape as kBrushSize x kBrushSize samples in rows, top row first. Every sample is the
