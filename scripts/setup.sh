@@ -7,6 +7,7 @@ packages_windows="g++-mingw-w64-x86-64-posix wine wine64"
 packages_demo="openimageio-tools fonts-dejavu-core"
 packages_test="libgtest-dev googletest clang"
 packages_bench="libbenchmark-dev"
+packages_manual="pandoc"
 
 say() { printf '%s\n' "$*"; }
 

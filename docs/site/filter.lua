@@ -1,0 +1,125 @@
+-- Makes a page of the manual out of its Markdown. Three kinds of fenced blocks are more than text:
+--
+--   ```{.pictures scene=night}          a grid of pictures, one a line:
+--   Caption | OPTIONS | KEY=VALUE ...   what `vireon render` is called with, nothing for the scene
+--   ```                                 itself; keys as those of the block, for this one picture
+--
+--   ```{.output}                        the command, and what it prints
+--   ```{.result}                        what the command prints, which is Markdown
+--
+-- Keys of pictures: scene, options (before those of the line), size, crop, over, show, columns;
+-- see docs/site/picture. The pictures are not made here: every one leaves a job.
+
+local page = os.getenv("VIREON_MANUAL_PAGE")
+local jobs = os.getenv("VIREON_MANUAL_JOBS")
+local scenes = os.getenv("VIREON_MANUAL_SCENES")
+local count = 0
+
+local subjects = {
+  ["night.png"] = "A city street at night",
+  ["night.exr"] = "A city street at night, in float",
+}
+
+local function trim(text)
+  return (text:gsub("^%s+", ""):gsub("%s+$", ""))
+end
+
+local function quoted(text)
+  return "'" .. text:gsub("'", "'\\''") .. "'"
+end
+
+local function escaped(text)
+  return (text:gsub("&", "&amp;"):gsub("<", "&lt;"):gsub(">", "&gt;"):gsub('"', "&quot;"))
+end
+
+local function fail(message)
+  io.stderr:write(page .. ".md: " .. message .. "\n")
+  os.exit(1)
+end
+
+local function write_job(name, job)
+  local file = assert(io.open(jobs .. "/" .. name .. ".job.new", "w"))
+  for _, key in ipairs({"scene", "options", "command", "size", "crop", "over", "show", "plain"}) do
+    if job[key] and job[key] ~= "" then file:write(key, "=", quoted(job[key]), "\n") end
+  end
+  file:close()
+end
+
+local function cell(line, block)
+  local fields = {}
+  for field in (line .. "|"):gmatch("([^|]*)|") do fields[#fields + 1] = trim(field) end
+  local job = {size = "640x360"}
+  for key, value in pairs(block) do job[key] = value end
+  local own = fields[2] or ""
+  for key, value in (fields[3] or ""):gmatch("(%w+)=(%S+)") do job[key] = value end
+  if job.command then
+    job.scene, job.options = nil, nil
+    job.command = job.command .. " " .. own
+  else
+    if not job.scene then fail("no scene for: " .. line) end
+    if not job.scene:find("%.") then job.scene = job.scene .. ".png" end
+    job.options = trim((job.options or "") .. " " .. own)
+    if fields[2] == "-" then job.options, job.plain = "", "yes" end
+  end
+  count = count + 1
+  local name = string.format("%s-%03d.jpg", page, count)
+  write_job(name, job)
+  local caption = fields[1]
+  local text = caption
+  local subject = job.subject or subjects[job.scene]
+  if subject then text = subject .. ": " .. caption end
+  local width, height = job.size:match("(%d+)x(%d+)")
+  local shown = own ~= "" and own ~= "-" and '<code>' .. escaped(own) .. '</code>' or ""
+  return string.format(
+    '<figure><a href="pictures/%s"><img src="pictures/%s" alt="%s" width="%s" height="%s" ' ..
+    'loading="lazy"></a><figcaption>%s %s</figcaption></figure>',
+    name, name, escaped(text), width, height, escaped(caption), shown)
+end
+
+local function pictures(block)
+  local keys = {}
+  for key, value in pairs(block.attributes) do keys[key] = value end
+  local columns = keys.columns or "3"
+  local cells = {}
+  for line in block.text:gmatch("[^\n]+") do
+    if trim(line) ~= "" then cells[#cells + 1] = cell(line, keys) end
+  end
+  return pandoc.RawBlock("html", string.format(
+    '<div class="pictures of-%s">\n%s\n</div>', columns, table.concat(cells, "\n")))
+end
+
+local function output_of(command)
+  return pandoc.pipe("sh", {"-c", 'cd "$0" && set -e\n' .. command, scenes}, "")
+end
+
+function CodeBlock(block)
+  if block.classes:includes("pictures") then return pictures(block) end
+  if block.classes:includes("output") then
+    return pandoc.CodeBlock("$ " .. block.text .. "\n" .. output_of(block.text), {class = "output"})
+  end
+  if block.classes:includes("result") then
+    return pandoc.read(output_of(block.text), "markdown").blocks
+  end
+end
+
+-- Pages link to each other's Markdown, so that the links work in both places.
+function Link(link)
+  link.target = link.target:gsub("^([%w-]+)%.md", "%1.html")
+  return link
+end
+
+-- Wide tables scroll by themselves on a narrow screen.
+function Table(element)
+  return pandoc.Div(element, {class = "table"})
+end
+
+function Meta(meta)
+  local current = pandoc.utils.stringify(meta.current)
+  for i, entry in ipairs(meta.pages) do
+    if pandoc.utils.stringify(entry.file) == current then
+      entry.current = true
+      meta.previous, meta.next = meta.pages[i - 1], meta.pages[i + 1]
+    end
+  end
+  return meta
+end
