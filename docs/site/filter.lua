@@ -1,8 +1,11 @@
--- Makes a page of the manual out of its Markdown. Three kinds of fenced blocks are more than text:
+-- Makes a page of the manual out of its Markdown. Four kinds of fenced blocks are more than text:
 --
 --   ```{.pictures scene=night}          a grid of pictures, one a line:
 --   Caption | OPTIONS | KEY=VALUE ...   what `vireon render` is called with, nothing for the scene
 --   ```                                 itself; keys as those of the block, for this one picture
+--
+--   ```{.presets}                       every preset of the tool before and after; lines "PRESET SCENE"
+--   ```                                 choose their pictures, the others get the night
 --
 --   ```{.output}                        the command, and what it prints
 --   ```{.result}                        what the command prints, which is Markdown
@@ -17,7 +20,13 @@ local count = 0
 
 local subjects = {
   ["night.png"] = "A city street at night",
-  ["night.exr"] = "A city street at night, in float",
+  ["neon.png"] = "A neon sign on a brick wall",
+  ["stars.png"] = "Bright stars and a nebula",
+  ["title.png"] = "Title letters on a transparent ground",
+  ["portrait.png"] = "A figure in soft light",
+  ["product.png"] = "A perfume flask on white",
+  ["sunlit.png"] = "White houses over a glittering sea",
+  ["lights.png"] = "A few small lights on black",
 }
 
 local function trim(text)
@@ -65,9 +74,10 @@ local function cell(line, block)
   local name = string.format("%s-%03d.jpg", page, count)
   write_job(name, job)
   local caption = fields[1]
-  local text = caption
-  local subject = job.subject or subjects[job.scene]
-  if subject then text = subject .. ": " .. caption end
+  local text = caption ~= "" and caption or own
+  local subject = subjects[job.scene]
+  if subject and text ~= "" then subject = subject .. ": " end
+  text = (subject or "") .. text
   local width, height = job.size:match("(%d+)x(%d+)")
   local shown = own ~= "" and own ~= "-" and '<code>' .. escaped(own) .. '</code>' or ""
   return string.format(
@@ -92,7 +102,40 @@ local function output_of(command)
   return pandoc.pipe("sh", {"-c", 'cd "$0" && set -e\n' .. command, scenes}, "")
 end
 
+-- JSON is YAML, and that is what the metadata of a document is written in.
+local function read_json(text)
+  local document = pandoc.read("---\nvalue: " .. text .. "\n---\n", "markdown-smart")
+  return document.meta.value
+end
+
+local function presets(block)
+  local text = pandoc.utils.stringify
+  local chosen = {}
+  for name, scene in block.text:gmatch("(%S+)%s+(%S+)") do chosen[name] = scene end
+  local result = {}
+  for _, preset in ipairs(read_json(output_of("vireon presets --json"))) do
+    local name = text(preset.preset)
+    local scene = chosen[name] or "night"
+    chosen[name] = nil
+    result[#result + 1] = pandoc.Header(3, text(preset.name), {id = name})
+    result[#result + 1] = pandoc.Para(pandoc.Str(
+      text(preset.description) .. ". For " .. text(preset["for"]) .. "."))
+    local keys = {scene = scene, columns = "2"}
+    if scene == "title" then keys.over = "grey" end
+    result[#result + 1] = pictures({attributes = keys,
+      text = "Before | -\n" .. text(preset.name) .. " | --preset " .. name})
+    local values = {}
+    for line in output_of("vireon presets " .. name):gsub("^.-\n\n", ""):gmatch("[^\n]+") do
+      values[#values + 1] = trim(line)
+    end
+    result[#result + 1] = pandoc.CodeBlock(table.concat(values, "\n"), {class = "output"})
+  end
+  for name in pairs(chosen) do fail("there is no preset " .. name) end
+  return result
+end
+
 function CodeBlock(block)
+  if block.classes:includes("presets") then return presets(block) end
   if block.classes:includes("pictures") then return pictures(block) end
   if block.classes:includes("output") then
     return pandoc.CodeBlock("$ " .. block.text .. "\n" .. output_of(block.text), {class = "output"})

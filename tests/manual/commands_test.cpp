@@ -117,6 +117,16 @@ TEST_P(ManualPage, PrintsCommandsThatDoWhatItSays) {
             const tool::Outcome outcome = desk.run(text);
             EXPECT_EQ(outcome.code(), 0) << outcome.errors;
             EXPECT_FALSE(outcome.output.empty());
+        } else if (block.name == "presets") {
+            for (const std::string& line : block.lines) {
+                const std::size_t blank = line.find(' ');
+                ASSERT_NE(blank, std::string::npos) << line;
+                SCOPED_TRACE(line);
+                ExpectRuns(desk, {"vireon render --quiet " + line.substr(blank + 1) +
+                                      ".png shown.tif --preset " + line.substr(0, blank),
+                                  0,
+                                  {}});
+            }
         } else {
             EXPECT_TRUE(block.name == "pictures" || block.name == "text")
                 << "nothing tests a block of the kind \"" << block.name << '"';
