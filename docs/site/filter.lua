@@ -98,8 +98,20 @@ local function pictures(block)
     '<div class="pictures of-%s">\n%s\n</div>', columns, table.concat(cells, "\n")))
 end
 
+-- What a command says is kept until docs/build draws the scenes anew: some measure for a while.
 local function output_of(command)
-  return pandoc.pipe("sh", {"-c", 'cd "$0" && set -e\n' .. command, scenes}, "")
+  local kept = scenes .. "/" .. pandoc.sha1(command) .. ".said"
+  local file = io.open(kept)
+  if not file then
+    local said = pandoc.pipe("sh", {"-c", 'cd "$0" && set -e\n' .. command, scenes}, "")
+    file = assert(io.open(kept, "w"))
+    file:write(said)
+    file:close()
+    return said
+  end
+  local said = file:read("a")
+  file:close()
+  return said
 end
 
 -- JSON is YAML, and that is what the metadata of a document is written in.

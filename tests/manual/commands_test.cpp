@@ -21,8 +21,8 @@ namespace fs = std::filesystem;
 
 std::string SearchPath() {
     const char* path = std::getenv("PATH");
-    return std::string(VIREON_TEST_STAGE) + ':' + VIREON_TEST_SCENES + ':' +
-           (Root() / "docs/site").string() + ':' + (path != nullptr ? path : "");
+    return std::string(VIREON_TEST_STAGE) + ':' + VIREON_TEST_SCENES + ':' + VIREON_TEST_LOOK +
+           ':' + (Root() / "docs/site").string() + ':' + (path != nullptr ? path : "");
 }
 
 // Makes the pictures of the manual, small: what is tested are commands, not pictures.
