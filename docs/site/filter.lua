@@ -165,6 +165,7 @@ end
 
 -- Wide tables scroll by themselves on a narrow screen.
 function Table(element)
+  for _, column in ipairs(element.colspecs) do column[2] = nil end
   return pandoc.Div(element, {class = "table"})
 end
 
