@@ -146,6 +146,12 @@ local function presets(block)
   return result
 end
 
+-- Wide tables scroll by themselves on a narrow screen.
+function Table(element)
+  for _, column in ipairs(element.colspecs) do column[2] = nil end
+  return pandoc.Div(element, {class = "table"})
+end
+
 function CodeBlock(block)
   if block.classes:includes("presets") then return presets(block) end
   if block.classes:includes("pictures") then return pictures(block) end
@@ -153,7 +159,8 @@ function CodeBlock(block)
     return pandoc.CodeBlock("$ " .. block.text .. "\n" .. output_of(block.text), {class = "output"})
   end
   if block.classes:includes("result") then
-    return pandoc.read(output_of(block.text), "markdown").blocks
+    local said = pandoc.Div(pandoc.read(output_of(block.text), "markdown").blocks)
+    return pandoc.walk_block(said, {Table = Table}).content
   end
 end
 
@@ -161,12 +168,6 @@ end
 function Link(link)
   link.target = link.target:gsub("^([%w-]+)%.md", "%1.html")
   return link
-end
-
--- Wide tables scroll by themselves on a narrow screen.
-function Table(element)
-  for _, column in ipairs(element.colspecs) do column[2] = nil end
-  return pandoc.Div(element, {class = "table"})
 end
 
 function Meta(meta)
