@@ -17,10 +17,11 @@ using headless::Depth;
 constexpr int kWidth = 1920;
 constexpr int kHeight = 1080;
 
-const scenes::Canvas& NightScene() {
-    static const scenes::Canvas scene =
-        scenes::DrawNightCity(kWidth, kHeight, scenes::LightRange::kDisplay);
-    return scene;
+scenes::Canvas NightScene(Depth depth) {
+    const bool overbright = depth == Depth::kFloat;
+    return scenes::DrawNightCity(
+        kWidth, kHeight,
+        overbright ? scenes::LightRange::kOverbright : scenes::LightRange::kDisplay);
 }
 
 const scenes::Canvas& NoiseScene() {
@@ -62,7 +63,7 @@ void RenderFrames(benchmark::State& state, const scenes::Canvas& scene,
 }
 
 void NightFrame(benchmark::State& state, FrameSettings settings) {
-    RenderFrames(state, NightScene(), settings);
+    RenderFrames(state, NightScene(settings.depth), settings);
 }
 
 void NoiseFrame(benchmark::State& state, FrameSettings settings) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <limits>
 
 #include "glow/resample_pixels.h"
 #include "glow/tent_blur_pixels.h"
@@ -85,9 +86,29 @@ std::int32_t EnlargedRows::prepare(std::int32_t y) {
         allZero_ = allZero_ && row.isZero;
         rows_[static_cast<std::size_t>(t)] = row.values.data();
     }
+    return alike(y);
+}
+
+std::int32_t EnlargedRows::alike(std::int32_t y) const {
+    const std::int32_t first = down_.first[static_cast<std::size_t>(y)];
     std::int32_t end = y + 1;
     while (end < height_ && down_.first[static_cast<std::size_t>(end)] == first) ++end;
     return end - y;
+}
+
+float EnlargedRows::colourLimit(std::int32_t y) {
+    if (sourceLimits_.empty()) {
+        constexpr float kSmallest = std::numeric_limits<float>::lowest();
+        const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(source_.width) * kChannels;
+        for (std::int32_t row = 0; row < source_.height; ++row) {
+            sourceLimits_.push_back(
+                kernels_.frame.largestColour(source_.row(row), values, kSmallest));
+        }
+    }
+    // A mean with positive weights, rounded once, is no larger than the largest of what it is made
+    // of.
+    const auto first = sourceLimits_.begin() + down_.first[static_cast<std::size_t>(y)];
+    return *std::max_element(first, first + down_.count);
 }
 
 void EnlargedRows::read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to) {

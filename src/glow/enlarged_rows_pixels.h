@@ -47,6 +47,12 @@ class EnlargedRows {
     /// Writes `pixels` pixels from (x, y) on to `to`; row `y` must be prepared.
     void read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to);
 
+    /// How many rows from `y` on are made of the same source rows, at least 1.
+    std::int32_t alike(std::int32_t y) const;
+
+    /// No colour of row `y`, prepared or not, is larger.
+    float colourLimit(std::int32_t y);
+
     /// The larger of `largest` and every colour of a prepared row.
     float largestColour(std::int32_t y, float largest) const;
 
@@ -69,6 +75,7 @@ class EnlargedRows {
     std::vector<ExpandedRow> ring_;
     std::vector<const double*> rows_;  ///< the prepared rows' sources, a tap each
     std::vector<const double*> at_;    ///< the same from one column on
+    std::vector<float> sourceLimits_;  ///< largest colour of every source row, once asked for
     bool allZero_ = false;
 };
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <new>
 #include <optional>
@@ -108,6 +109,10 @@ class GlowRows {
     virtual std::int32_t prepare(std::int32_t y) = 0;
     // Writes pixels from (x, y) on to `to`.
     virtual void read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to) = 0;
+    // How many rows from y on have one limit, at least 1.
+    virtual std::int32_t alike(std::int32_t y) const = 0;
+    // No colour of row y, readable or not, is larger.
+    virtual float colourLimit(std::int32_t y) = 0;
     // The larger of `largest` and every colour of a row that is readable.
     virtual float largestColour(std::int32_t y, float largest) = 0;
 };
@@ -120,6 +125,8 @@ class ImageRows final : public GlowRows {
     void read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to) override {
         std::copy_n(image_.pixel(x, y), static_cast<std::ptrdiff_t>(pixels) * kChannels, to);
     }
+    std::int32_t alike(std::int32_t) const override { return 1; }
+    float colourLimit(std::int32_t) override { return std::numeric_limits<float>::infinity(); }
     float largestColour(std::int32_t y, float largest) override {
         return kernels_.frame.largestColour(
             image_.row(y), static_cast<std::ptrdiff_t>(image_.width) * kChannels, largest);
@@ -137,6 +144,8 @@ class EnlargedGlowRows final : public GlowRows {
     void read(std::int32_t x, std::int32_t y, std::int32_t pixels, float* to) override {
         rows_.read(x, y, pixels, to);
     }
+    std::int32_t alike(std::int32_t y) const override { return rows_.alike(y); }
+    float colourLimit(std::int32_t y) override { return rows_.colourLimit(y); }
     float largestColour(std::int32_t y, float largest) override {
         return rows_.largestColour(y, largest);
     }
@@ -178,11 +187,17 @@ GlowRange RangeOf(const simd::KernelTable& kernels, const FloatImage& glow) {
     return range;
 }
 
-// The largest colour of the finished glow, or 2 or more: what lies above 2 bends like 2.
+// The largest colour of the finished glow as far as the soft clip asks: 1 stands for anything less,
+// 2 or more for anything that is not less.
 float LargestOfRows(GlowRows& rows, std::int32_t height) {
-    float largest = 0.0f;
+    float largest = 1.0f;
     for (std::int32_t y = 0; y < height;) {
-        const std::int32_t end = y + rows.prepare(y);
+        const std::int32_t end = y + rows.alike(y);
+        if (rows.colourLimit(y) <= largest) {
+            y = end;
+            continue;
+        }
+        rows.prepare(y);
         for (; y < end; ++y) {
             largest = rows.largestColour(y, largest);
             if (largest >= 2.0f) return largest;

@@ -148,7 +148,8 @@ TEST(EnlargedRows, TheLargestColourOfARowIsThatOfItsPixels) {
             EnlargedRows rows(*simd::KernelsOf(level), small.view(), 45, 31, 4);
             const Picture picture = ReadAll(rows, {45, 31}, 8);
             for (std::int32_t y = 0; y < 31; ++y) {
-                rows.prepare(y);
+                const float limit = rows.colourLimit(y);
+                EXPECT_EQ(rows.prepare(y), rows.alike(y));
                 float want = -100.0f;
                 for (std::int32_t x = 0; x < 45; ++x) {
                     for (std::int32_t c = kRed; c <= kBlue; ++c) {
@@ -157,8 +158,21 @@ TEST(EnlargedRows, TheLargestColourOfARowIsThatOfItsPixels) {
                 }
                 EXPECT_EQ(rows.largestColour(y, -100.0f), want) << simd::LevelName(level);
                 EXPECT_EQ(rows.largestColour(y, 100.0f), 100.0f);
+                EXPECT_LE(want, limit) << simd::LevelName(level);
             }
         }
+    }
+}
+
+TEST(EnlargedRows, TheLimitOfARowIsTheLargestColourThatItIsMadeOf) {
+    Picture small(8, 20);
+    small.fill(0.25f);
+    small.set(3, 10, {9.0f, 0.5f, 1.5f, 0.75f});  // alpha does not count
+    for (const simd::Level level : KernelLevels()) {
+        EnlargedRows rows(*simd::KernelsOf(level), small.view(), 32, 80, 3);
+        EXPECT_EQ(rows.colourLimit(0), 0.25f);
+        EXPECT_EQ(rows.colourLimit(42), 1.5f);
+        EXPECT_EQ(rows.colourLimit(79), 0.25f);
     }
 }
 
