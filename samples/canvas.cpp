@@ -56,15 +56,23 @@ PixelBox PixelsAround(const Canvas& canvas, Point centre, double reach) {
 
 // Lays the colour over every pixel of the box by the signed distance of its middle to the edge of
 // the figure: negative inside, half covered at 0.
+template <typename ColourOf, typename SignedDistance>
+void PaintByDistance(Canvas& canvas, const PixelBox& box, const ColourOf& colourOf,
+                     const SignedDistance& signedDistance) {
+    for (int y = box.top; y < box.bottom; ++y) {
+        for (int x = box.left; x < box.right; ++x) {
+            const Point middle{x + 0.5, y + 0.5};
+            const double coverage = std::clamp(0.5 - signedDistance(middle), 0.0, 1.0);
+            if (coverage > 0.0) canvas.blend(x, y, colourOf(middle), coverage);
+        }
+    }
+}
+
 template <typename SignedDistance>
 void FillByDistance(Canvas& canvas, const PixelBox& box, Colour colour,
                     const SignedDistance& signedDistance) {
-    for (int y = box.top; y < box.bottom; ++y) {
-        for (int x = box.left; x < box.right; ++x) {
-            const double distance = signedDistance(Point{x + 0.5, y + 0.5});
-            canvas.blend(x, y, colour, std::clamp(0.5 - distance, 0.0, 1.0));
-        }
-    }
+    PaintByDistance(
+        canvas, box, [&](Point) { return colour; }, signedDistance);
 }
 
 // The part of the pixel [start, start + 1] that the interval [from, to] covers.
@@ -159,7 +167,7 @@ void FillDisc(Canvas& canvas, Point centre, double radius, Colour colour) {
                    [&](Point p) { return Length(p - centre) - radius; });
 }
 
-void FillConvex(Canvas& canvas, const std::vector<Point>& corners, Colour colour) {
+void FillConvex(Canvas& canvas, const std::vector<Point>& corners, const ColourAt& colourAt) {
     if (corners.size() < 3) {
         return;
     }
@@ -174,9 +182,9 @@ void FillConvex(Canvas& canvas, const std::vector<Point>& corners, Colour colour
         doubledArea += a.x * b.y - b.x * a.y;
     }
     const double turn = doubledArea < 0.0 ? -1.0 : 1.0;
-    FillByDistance(
+    PaintByDistance(
         canvas, PixelsBetween(canvas, {low.x - 1.0, low.y - 1.0}, {high.x + 1.0, high.y + 1.0}),
-        colour, [&](Point p) {
+        colourAt, [&](Point p) {
             double furthest = -1e9;
             for (std::size_t i = 0; i < corners.size(); ++i) {
                 const Point a = corners[i];
@@ -189,6 +197,10 @@ void FillConvex(Canvas& canvas, const std::vector<Point>& corners, Colour colour
             }
             return furthest;
         });
+}
+
+void FillConvex(Canvas& canvas, const std::vector<Point>& corners, Colour colour) {
+    FillConvex(canvas, corners, [&](Point) { return colour; });
 }
 
 void DrawLine(Canvas& canvas, Point from, Point to, double width, Colour colour) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 namespace vireon::scenes {
@@ -77,6 +78,12 @@ void FillDisc(Canvas& canvas, Point centre, double radius, Colour colour);
 
 /// A convex polygon, corners in either order of rotation, three or more.
 void FillConvex(Canvas& canvas, const std::vector<Point>& corners, Colour colour);
+
+/// The colour of a place.
+using ColourAt = std::function<Colour(Point)>;
+
+/// The same with a colour of its own for every pixel, taken at its middle.
+void FillConvex(Canvas& canvas, const std::vector<Point>& corners, const ColourAt& colourAt);
 
 /// A line with round ends, `width` pixels across.
 void DrawLine(Canvas& canvas, Point from, Point to, double width, Colour colour);

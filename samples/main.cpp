@@ -7,18 +7,17 @@
 
 #include "samples/catalogue.h"
 #include "samples/scene_file.h"
+#include "tools/vireon/exit_codes.h"
 
 namespace {
 
 using vireon::scenes::LightRange;
 using vireon::scenes::Scene;
-
-// The numbers of the command line of the effect.
-constexpr int kSuccess = 0;
-constexpr int kBadCommandLine = 2;
-constexpr int kUnknownName = 3;
-constexpr int kBadValue = 4;
-constexpr int kFailed = 7;
+using vireon::tool::kBadCommandLine;
+using vireon::tool::kBadValue;
+using vireon::tool::kOutputFailed;
+using vireon::tool::kSuccess;
+using vireon::tool::kUnknownName;
 
 int Refuse(int code, const std::string& message) {
     std::fprintf(stderr, "vireon-scenes: %s\n", message.c_str());
@@ -117,12 +116,12 @@ int main(int argc, char** argv) {
     try {
         return Draw(request);
     } catch (const std::bad_alloc&) {
-        return Refuse(kFailed,
+        return Refuse(kOutputFailed,
                       "there is not enough memory for so large a picture; ask for a "
                       "smaller one by --width and --height");
     } catch (const std::invalid_argument& error) {
         return Refuse(kBadValue, error.what());
     } catch (const std::exception& error) {
-        return Refuse(kFailed, error.what());
+        return Refuse(kOutputFailed, error.what());
     }
 }

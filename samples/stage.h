@@ -69,6 +69,11 @@ class Stage {
     void convex(const std::vector<Point>& corners, Colour colour) const {
         FillConvex(canvas_, allToPixels(corners), shown(colour));
     }
+    void convex(const std::vector<Point>& corners, const ColourAt& colourAt) const {
+        FillConvex(canvas_, allToPixels(corners), [&](Point p) {
+            return shown(colourAt({p.x / scale_, p.y / scale_}));
+        });
+    }
 
   private:
     std::vector<Point> allToPixels(const std::vector<Point>& points) const {

@@ -22,48 +22,6 @@ double Ease(double from, double to, double x) {
     return t * t * (3.0 - 2.0 * t);
 }
 
-// A convex face whose colour changes over it.
-template <typename ColourAt>
-void Face(const Stage& stage, const Corners& corners, const ColourAt& colourAt) {
-    Point low = corners.front();
-    Point high = corners.front();
-    double doubledArea = 0.0;
-    for (std::size_t i = 0; i < corners.size(); ++i) {
-        const Point a = corners[i];
-        const Point b = corners[(i + 1) % corners.size()];
-        low = {std::min(low.x, a.x), std::min(low.y, a.y)};
-        high = {std::max(high.x, a.x), std::max(high.y, a.y)};
-        doubledArea += a.x * b.y - b.x * a.y;
-    }
-    const double turn = doubledArea < 0.0 ? -1.0 : 1.0;
-    Canvas& canvas = stage.canvas();
-    const double scale = stage.scale();
-    const auto limited = [](double value, int size) {
-        return static_cast<int>(std::clamp(value, 0.0, static_cast<double>(size)));
-    };
-    const int right = limited(high.x * scale + 2.0, canvas.width());
-    const int bottom = limited(high.y * scale + 2.0, canvas.height());
-    for (int y = limited(low.y * scale - 1.0, canvas.height()); y < bottom; ++y) {
-        for (int x = limited(low.x * scale - 1.0, canvas.width()); x < right; ++x) {
-            const Point p{(x + 0.5) / scale, (y + 0.5) / scale};
-            double furthest = -1e9;
-            for (std::size_t i = 0; i < corners.size(); ++i) {
-                const Point a = corners[i];
-                const Point b = corners[(i + 1) % corners.size()];
-                const double ex = b.x - a.x;
-                const double ey = b.y - a.y;
-                const double length = std::sqrt(ex * ex + ey * ey);
-                if (length > 0.0) {
-                    furthest =
-                        std::max(furthest, turn * ((p.x - a.x) * ey - (p.y - a.y) * ex) / length);
-                }
-            }
-            const double coverage = std::clamp(0.5 - furthest * scale, 0.0, 1.0);
-            if (coverage > 0.0) canvas.blend(x, y, stage.shown(colourAt(p)), coverage);
-        }
-    }
-}
-
 double Plaster(Point p) {
     return 0.94 + 0.08 * FractalNoise(p.x / 46.0, p.y / 38.0, 4, 0x706C6173u) +
            0.04 * ValueNoise(p.x / 2.4, p.y / 2.4, 0x67726974u);
@@ -127,10 +85,10 @@ void PaintRoof(const Stage& stage, const Wall& lit, const Wall& shade) {
     const Point left = lit.at(1.0, 0.0);
     const Point right = shade.at(1.0, 0.0);
     const Point far{left.x + right.x - near.x, left.y + right.y - near.y};
-    Face(stage, {near, left, far, right}, [](Point p) { return kRoof * Plaster(p); });
+    stage.convex({near, left, far, right}, [](Point p) { return kRoof * Plaster(p); });
     const Colour shaded{0.400f, 0.440f, 0.510f};
     for (const Corners& strip : {Strip(left, far, near, 0.13), Strip(left, near, far, 0.055)}) {
-        Face(stage, strip, [&](Point p) { return shaded * Plaster(p); });
+        stage.convex(strip, [&](Point p) { return shaded * Plaster(p); });
     }
     stage.line(left, far, 5.0, kLit * 0.97);
     stage.line(near, left, 6.0, kLit * 1.01);
@@ -141,7 +99,7 @@ void PaintHouse(const Stage& stage, const House& h) {
     const double middle = stage.middle();
     const Wall lit = LitWall(middle, h);
     const Wall shade = ShadeWall(middle, h);
-    Face(stage, lit.part(0.0, 0.0, 1.0, 1.0), [&](Point p) {
+    stage.convex(lit.part(0.0, 0.0, 1.0, 1.0), [&](Point p) {
         // Whitewash on rough stone, a little darker and warmer towards the ground.
         const double down = std::clamp((p.y - h.top) / (h.bottom - h.top), 0.0, 1.0);
         const double stain =
@@ -149,8 +107,8 @@ void PaintHouse(const Stage& stage, const House& h) {
         const double tone = (1.0 - 0.07 * stain * (1.0 - down)) * Plaster(p);
         return Mix(kLit, {0.935f, 0.845f, 0.715f}, 0.55 * down * down) * tone;
     });
-    Face(stage, shade.part(0.0, 0.0, 1.0, 1.0),
-         [&](Point p) { return ShadeAt(p, h.top, h.bottom); });
+    stage.convex(shade.part(0.0, 0.0, 1.0, 1.0),
+                 [&](Point p) { return ShadeAt(p, h.top, h.bottom); });
     if (h.top > kSeaHorizon) {
         PaintRoof(stage, lit, shade);
     } else {
@@ -176,11 +134,12 @@ void PaintDoor(const Stage& stage, const Wall& wall, double u, double halfWidth,
         }
         return corners;
     };
-    Face(stage, arch(1.18),
-         [&](Point p) { return (lit ? kLit * 0.80 : kShade * 1.22) * Plaster(p); });
+    stage.convex(arch(1.18),
+                 [&](Point p) { return (lit ? kLit * 0.80 : kShade * 1.22) * Plaster(p); });
     const Colour paint = lit ? kBlue * 1.5 : kBlue * 0.66;
-    Face(stage, arch(1.0),
-         [&](Point p) { return paint * (0.74 + 0.42 * ValueNoise(p.x / 4.2, 0.5, 0x646F6F72u)); });
+    stage.convex(arch(1.0), [&](Point p) {
+        return paint * (0.74 + 0.42 * ValueNoise(p.x / 4.2, 0.5, 0x646F6F72u));
+    });
 }
 
 // A window or a door in a wall: reveal, dark pane, painted shutters or frame.
@@ -188,23 +147,23 @@ void PaintOpening(const Stage& stage, const Wall& wall, double u, double v, doub
                   bool lit, bool door) {
     const Colour paint = lit ? kBlue * 1.45 : kBlue * 0.62;
     const Colour inside = lit ? Colour{0.030f, 0.042f, 0.062f} : Colour{0.022f, 0.032f, 0.055f};
-    Face(stage, wall.part(u, v, u + du, v + dv), [&](Point) { return inside; });
+    stage.convex(wall.part(u, v, u + du, v + dv), [&](Point) { return inside; });
     if (door) {
-        Face(stage, wall.part(u + 0.10 * du, v + 0.06 * dv, u + 0.90 * du, v + dv), [&](Point p) {
+        stage.convex(wall.part(u + 0.10 * du, v + 0.06 * dv, u + 0.90 * du, v + dv), [&](Point p) {
             const double board = ValueNoise(p.x / 3.2, 0.5, 0x626F6172u);
             return paint * (0.82 + 0.3 * board);
         });
         return;
     }
     for (const double side : {-0.46, 1.0}) {
-        Face(stage, wall.part(u + side * du, v - 0.02 * dv, u + (side + 0.46) * du, v + 1.03 * dv),
-             [&](Point p) {
-                 const double slat = ValueNoise(0.5, p.y / 2.2, 0x736C6174u);
-                 return paint * (0.78 + 0.4 * slat);
-             });
+        stage.convex(wall.part(u + side * du, v - 0.02 * dv, u + (side + 0.46) * du, v + 1.03 * dv),
+                     [&](Point p) {
+                         const double slat = ValueNoise(0.5, p.y / 2.2, 0x736C6174u);
+                         return paint * (0.78 + 0.4 * slat);
+                     });
     }
-    Face(stage, wall.part(u - 0.06 * du, v + dv, u + 1.06 * du, v + 1.08 * dv),
-         [&](Point p) { return (lit ? kLit : kShade * 1.2) * Plaster(p); });
+    stage.convex(wall.part(u - 0.06 * du, v + dv, u + 1.06 * du, v + 1.08 * dv),
+                 [&](Point p) { return (lit ? kLit : kShade * 1.2) * Plaster(p); });
 }
 
 // The blue dome on its round base; the sun stands to the left behind it.
@@ -212,17 +171,17 @@ void PaintDome(const Stage& stage, double x, double y, double radius) {
     const double cx = stage.middle() + x;
     const auto across = [&](Point p) { return std::clamp((p.x - cx) / radius, -1.0, 1.0); };
     const double drum = radius * 0.46;
-    Face(stage,
-         {{cx - radius, y}, {cx + radius, y}, {cx + radius, y + drum}, {cx - radius, y + drum}},
-         [&](Point p) {
-             const double u = across(p);
-             const double window = std::abs(u * 6.0 - std::floor(u * 6.0) - 0.5);
-             Colour wall = Mix(kLit, kShade * 1.05, Ease(-0.62, 0.10, u)) * Plaster(p);
-             if (window < 0.15 && p.y > y + 0.30 * drum && p.y < y + 0.78 * drum) {
-                 wall = Colour{0.04f, 0.055f, 0.085f};
-             }
-             return wall;
-         });
+    stage.convex(
+        {{cx - radius, y}, {cx + radius, y}, {cx + radius, y + drum}, {cx - radius, y + drum}},
+        [&](Point p) {
+            const double u = across(p);
+            const double window = std::abs(u * 6.0 - std::floor(u * 6.0) - 0.5);
+            Colour wall = Mix(kLit, kShade * 1.05, Ease(-0.62, 0.10, u)) * Plaster(p);
+            if (window < 0.15 && p.y > y + 0.30 * drum && p.y < y + 0.78 * drum) {
+                wall = Colour{0.04f, 0.055f, 0.085f};
+            }
+            return wall;
+        });
     Corners half;
     constexpr int kPieces = 40;
     for (int i = 0; i <= kPieces; ++i) {
@@ -232,7 +191,7 @@ void PaintDome(const Stage& stage, double x, double y, double radius) {
         const double along = 2.0 * t / (1.0 + t * t);
         half.push_back({cx + radius * 1.03 * along, y - radius * 1.02 * away});
     }
-    Face(stage, half, [&](Point p) {
+    stage.convex(half, [&](Point p) {
         const double nx = std::clamp((p.x - cx) / (radius * 1.03), -1.0, 1.0);
         const double ny = std::clamp((y - p.y) / (radius * 1.02), 0.0, 1.0);
         const double nz = std::sqrt(std::max(0.0, 1.0 - nx * nx - ny * ny));
@@ -288,15 +247,14 @@ void PaintVillage(const Stage& stage) {
                                                    {150.0, 770.0, 1100.0, 330.0, 260.0},
                                                    {700.0, 812.0, 1130.0, 330.0, 420.0}}};
     // The quay on which the foremost houses stand.
-    Face(stage,
-         {{middle - 262.0, 996.0},
-          {stage.width() + 60.0, 900.0},
-          {stage.width() + 60.0, 1120.0},
-          {middle - 420.0, 1120.0}},
-         [](Point p) {
-             const double stone = FractalNoise(p.x / 60.0, p.y / 14.0, 4, 0x73746F6Eu);
-             return Colour{0.70f, 0.62f, 0.51f} * (0.70 + 0.45 * stone);
-         });
+    stage.convex({{middle - 262.0, 996.0},
+                  {stage.width() + 60.0, 900.0},
+                  {stage.width() + 60.0, 1120.0},
+                  {middle - 420.0, 1120.0}},
+                 [](Point p) {
+                     const double stone = FractalNoise(p.x / 60.0, p.y / 14.0, 4, 0x73746F6Eu);
+                     return Colour{0.70f, 0.62f, 0.51f} * (0.70 + 0.45 * stone);
+                 });
     PaintHouse(stage, kHouses[0]);
     PaintDome(stage, 590.0, 262.0, 118.0);
     // The church under the dome.

@@ -7,15 +7,15 @@
 #include "tools/brushes/brush_file.h"
 #include "tools/look/measures.h"
 #include "tools/look/tables.h"
+#include "tools/vireon/exit_codes.h"
 
 namespace {
 
-// The numbers of the command line of the effect.
-constexpr int kSuccess = 0;
-constexpr int kBadCommandLine = 2;
-constexpr int kOutputFailed = 7;
-constexpr int kNotAnEffect = 11;
-constexpr int kEffectFailed = 12;
+using vireon::tool::kBadCommandLine;
+using vireon::tool::kEffectFailed;
+using vireon::tool::kNotAnEffect;
+using vireon::tool::kOutputFailed;
+using vireon::tool::kSuccess;
 
 int Refuse(int code, const std::string& message) {
     std::fprintf(stderr, "vireon-look: %s\n", message.c_str());

@@ -1,5 +1,6 @@
 #include "tools/look/tables.h"
 
+#include <cmath>
 #include <cstdio>
 #include <initializer_list>
 
@@ -7,14 +8,18 @@ namespace vireon::look {
 
 namespace {
 
+// A ratio to a glow that is not there has no number.
+constexpr const char* kNone = "none";
+
 std::string Number(double value, int decimals) {
+    if (!std::isfinite(value)) return kNone;
     char text[64];
     std::snprintf(text, sizeof text, "%.*f", decimals, value);
     return text;
 }
 
 std::string Percent(double value, int decimals = 2) {
-    return Number(100.0 * value, decimals) + " %";
+    return std::isfinite(value) ? Number(100.0 * value, decimals) + " %" : kNone;
 }
 
 std::string Row(const std::vector<std::string>& cells) {
@@ -59,7 +64,9 @@ std::string MarkdownOf(const Measures& measures, const Subject& subject) {
         text += Row(cells);
     }
     std::vector<std::string> spread{"largest over smallest"};
-    for (const double value : measures.shapes.spread) spread.push_back("+" + Percent(value));
+    for (const double value : measures.shapes.spread) {
+        spread.push_back(std::isfinite(value) ? "+" + Percent(value) : kNone);
+    }
     text += Row(spread);
 
     text += Head("Flicker of the glow's light over the moving scene",

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <stdexcept>
 
 #include "tools/look/tables.h"
@@ -82,6 +83,19 @@ TEST(Tables, SayTheFiguresInBothForms) {
     const auto json = JsonOf(measures, subject);
     EXPECT_EQ(json["brightness"][0]["meanAfter"], 0.125);
     EXPECT_EQ(json["shapes"][0]["light"]["Zig"], 1.02);
+}
+
+TEST(Tables, ARatioToNoGlowIsNoNumber) {
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    Measures measures;
+    measures.flicker.push_back({"16:1 (fastest)", none, none});
+    measures.shapes = {{"night"}, {{"Tent", {none}}}, {none}};
+    const Subject subject{nullptr, 480, 270};
+    const std::string text = MarkdownOf(measures, subject);
+    EXPECT_NE(text.find("| 16:1 (fastest) | none | none |"), std::string::npos);
+    EXPECT_NE(text.find("| largest over smallest | none |"), std::string::npos);
+    EXPECT_EQ(text.find("nan"), std::string::npos);
+    EXPECT_NE(JsonOf(measures, subject).dump().find("\"meanChange\":null"), std::string::npos);
 }
 
 }  // namespace
