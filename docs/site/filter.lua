@@ -27,6 +27,7 @@ local subjects = {
   ["product.png"] = "A perfume flask on white",
   ["sunlit.png"] = "White houses over a glittering sea",
   ["lights.png"] = "A few small lights on black",
+  ["bulbs.png"] = "A few small lights on black",
 }
 
 local function trim(text)
