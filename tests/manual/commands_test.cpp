@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
@@ -40,9 +41,11 @@ class Desk {
     Desk& operator=(const Desk&) = delete;
 
     tool::Outcome run(const std::string& command) const {
+        // The tables of the look are measured anew, which takes a while.
+        constexpr std::chrono::minutes kLimit(10);
         return tool::RunProgram("/bin/sh",
                                 {"-c", "cd \"$0\" && set -eu\n" + command, folder_.string()},
-                                {{"PATH", SearchPath()}});
+                                {{"PATH", SearchPath()}}, {}, kLimit);
     }
 
     struct State {

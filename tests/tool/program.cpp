@@ -44,12 +44,13 @@ int Outcome::errorLines() const {
 
 Outcome RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                    const Environment& environment,
-                   const std::function<void(pid_t, const std::string&)>& watch) {
+                   const std::function<void(pid_t, const std::string&)>& watch,
+                   std::chrono::seconds limit) {
     using Clock = std::chrono::steady_clock;
     headless::ChildProcess child({program, arguments, environment});
     child.input.close();
     Outcome outcome;
-    const Clock::time_point end = Clock::now() + std::chrono::seconds(120);
+    const Clock::time_point end = Clock::now() + limit;
     for (;;) {
         const std::optional<headless::ExitStatus> status = child.exited();
         Drain(child.output, outcome.output);

@@ -28,10 +28,11 @@ struct Outcome {
 using Environment = std::map<std::string, std::optional<std::string>>;
 
 /// Runs a program to its end. `watch` is called again and again with its process number and what it
-/// printed on standard error so far.
+/// printed on standard error so far. A program that does not end within `limit` is a failure.
 Outcome RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                    const Environment& environment = {},
-                   const std::function<void(pid_t, const std::string&)>& watch = {});
+                   const std::function<void(pid_t, const std::string&)>& watch = {},
+                   std::chrono::seconds limit = std::chrono::seconds(120));
 
 /// Runs `vireon` from the stage.
 Outcome Vireon(const std::vector<std::string>& arguments, const Environment& environment = {},
