@@ -354,7 +354,9 @@ TEST_F(StageFolder, ListsWhatTheStagesHold) {
 
 TEST_F(StageFolder, FollowsReducedResolution) {
     ASSERT_EQ(render({"--half"}).code(), 0);
-    for (const nlohmann::json& stage : JsonOf(folder_ + "/stages.json")["stages"]) {
+    const nlohmann::json listed = JsonOf(folder_ + "/stages.json");
+    ASSERT_FALSE(listed["stages"].empty());
+    for (const nlohmann::json& stage : listed["stages"]) {
         EXPECT_EQ(stage["width"], kWidth / 2);
         EXPECT_EQ(stage["height"], kHeight / 2);
     }

@@ -146,7 +146,8 @@ void DrawProfile(Picture& picture, int top, const Profile& profile, double scale
         const int texel = x / kTexelWidth;
         const double part = static_cast<double>(x % kTexelWidth) / kTexelWidth;
         const double here = plotRow(texel);
-        const double row = part == 0.0 ? here : here + part * (plotRow(texel + 1) - here);
+        const double next = plotRow(std::min(texel + 1, kBrushRim));
+        const double row = part == 0.0 ? here : here + part * (next - here);
         // A steep line is as connected as a flat one.
         const double upper = std::max(std::min(row, last), 0.0);
         const double lower = std::min(std::max(row, last), kPanel - 1.0);
