@@ -138,16 +138,16 @@ double PlotRow(double share) {
 }
 
 void DrawProfile(Picture& picture, int top, const Profile& profile, double scale, const Ink& ink) {
+    // The plot ends a texel behind the profile; the line goes on level.
     const auto plotRow = [&](int texel) {
-        return PlotRow(profile[static_cast<std::size_t>(texel)] / scale);
+        return PlotRow(profile[static_cast<std::size_t>(std::min(texel, kBrushRim))] / scale);
     };
     double last = plotRow(0);
     for (int x = 0; x < kPlotWidth; ++x) {
         const int texel = x / kTexelWidth;
         const double part = static_cast<double>(x % kTexelWidth) / kTexelWidth;
         const double here = plotRow(texel);
-        const double next = plotRow(std::min(texel + 1, kBrushRim));
-        const double row = part == 0.0 ? here : here + part * (next - here);
+        const double row = part == 0.0 ? here : here + part * (plotRow(texel + 1) - here);
         // A steep line is as connected as a flat one.
         const double upper = std::max(std::min(row, last), 0.0);
         const double lower = std::min(std::max(row, last), kPanel - 1.0);
