@@ -11,6 +11,7 @@
 #include "composite/brightness_pixels.h"
 #include "composite/glow_mask_pixels.h"
 #include "composite/output_passes.h"
+#include "composite/transfer_codes.h"
 #include "composite/transfer_pixels.h"
 #include "composite/widening_pixels.h"
 #include "glow/resample_pixels.h"
@@ -238,10 +239,49 @@ void SoftClip(benchmark::State& state) {
     }
 }
 
+/// Spans as long as those of fused frames and few, so that memory plays no part. Most frames are
+/// `opaque`.
+template <typename Blend>
+void MeasureSpans(benchmark::State& state, bool opaque, Blend&& blend) {
+    constexpr std::int32_t kSpan = 320;
+    constexpr std::int32_t kSpans = 2;
+    Pixels glow(kSpan, kSpans);
+    Pixels source(kSpan, kSpans);
+    const Pixels& night = Night();
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(kSpan) * kSpans * kChannels;
+    std::copy_n(night.values.end() - 2 * values, values, glow.values.begin());
+    std::copy_n(night.values.end() - values, values, source.values.begin());
+    if (!opaque) {
+        for (std::ptrdiff_t i = 0; i < values; i += kChannels) {
+            glow.values[static_cast<std::size_t>(i)] = static_cast<float>(i % 29) / 28.0f;
+        }
+    }
+    Pixels work(kSpan, 1);
+    for (auto _ : state) {
+        for (std::int32_t y = 0; y < kSpans; ++y) {
+            std::copy_n(glow.view().row(y), kSpan * kChannels, work.values.begin());
+            blend(work.view(), FloatImage{source.view().row(y), kSpan, 1, 0});
+            benchmark::ClobberMemory();
+        }
+    }
+    state.counters["per pixel"] =
+        benchmark::Counter(static_cast<double>(state.iterations()) * kSpan * kSpans,
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+constexpr BlendSettings kFullOpacities{1.0f, 1.0f, false};
+
 void Composite(benchmark::State& state, std::int32_t mode) {
-    Pixels source = Night();
-    Measure(state, [&](const FloatImage& image) {
-        BlendRoutineOf(mode)(image, source.view(), {1.0f, 1.0f, false});
+    MeasureSpans(state, state.range(0) != 0, [&](const FloatImage& glow, const FloatImage& source) {
+        BlendImages(mode, glow, source, kFullOpacities);
+    });
+}
+
+void CompositeFast(benchmark::State& state, std::int32_t mode) {
+    const simd::KernelTable* kernels = KernelsOrSkip(state);
+    if (kernels == nullptr) return;
+    MeasureSpans(state, state.range(0) != 0, [&](const FloatImage& glow, const FloatImage& source) {
+        BlendImages(*kernels, mode, glow, source, kFullOpacities);
     });
 }
 
@@ -260,8 +300,17 @@ BENCHMARK(EnlargeBy4)->Unit(benchmark::kMillisecond);
 BENCHMARK(TentBlur)->Arg(4)->Arg(100)->Unit(benchmark::kMillisecond);
 BENCHMARK(TentBlurFast)->Name("TentBlur/fast")->Arg(4)->Arg(100)->Unit(benchmark::kMillisecond);
 BENCHMARK(SoftClip)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Composite, Add, 4)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Composite, Overlay, 7)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Composite, Color, 15)->Unit(benchmark::kMillisecond);
+
+#define VIREON_COMPOSITE(name)                                                              \
+    BENCHMARK_CAPTURE(Composite, name, kTransfer##name)->ArgName("opaque")->Arg(1)->Arg(0); \
+    BENCHMARK_CAPTURE(CompositeFast, name, kTransfer##name)->ArgName("opaque")->Arg(1)->Arg(0)
+VIREON_COMPOSITE(Add);
+VIREON_COMPOSITE(Behind);
+VIREON_COMPOSITE(Screen);
+VIREON_COMPOSITE(Overlay);
+VIREON_COMPOSITE(ColorBurn);
+VIREON_COMPOSITE(Hue);
+VIREON_COMPOSITE(Color);
+#undef VIREON_COMPOSITE
 
 }  // namespace

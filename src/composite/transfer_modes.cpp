@@ -7,6 +7,7 @@
 #include "host/plugin_host_api.h"
 #include "host/result_codes.h"
 #include "render/raster_ops.h"
+#include "simd/level.h"
 
 namespace vireon {
 namespace {
@@ -85,9 +86,13 @@ std::int32_t TransferCompose(PluginHost_API& host, std::int32_t mode, float glow
     if (host.offersTransfer() && !ownCompositor) {
         return host.transfer(mode, glowOpacity, sourceOpacity, glow, source, forceOpaque);
     }
-    if (const BlendRoutine blend = BlendRoutineOf(mode)) {
-        blend(ViewRaster(host, glow), ViewRaster(host, source),
-              {glowOpacity, sourceOpacity, forceOpaque});
+    const BlendSettings settings{glowOpacity, sourceOpacity, forceOpaque};
+    const FloatImage top = ViewRaster(host, glow);
+    const FloatImage backdrop = ViewRaster(host, source);
+    if (const simd::KernelTable* kernels = simd::ActiveKernels()) {
+        BlendImages(*kernels, mode, top, backdrop, settings);
+    } else {
+        BlendImages(mode, top, backdrop, settings);
     }
     return kSuccess;
 }

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "composite/transfer_codes.h"
+#include "simd/kernel_table.h"
 
 namespace vireon {
 namespace {
@@ -303,34 +304,65 @@ constexpr BlendRoutine BlendColor = BlendColourModel<Layer::kGlow, Layer::kGlow,
 constexpr BlendRoutine BlendLuminosity =
     BlendColourModel<Layer::kSource, Layer::kSource, Layer::kGlow>;
 
+// A blend in both of its forms.
+struct Blend {
+    BlendRoutine plain = nullptr;
+    simd::BlendRow simd::BlendKernels::*row = nullptr;
+};
+
+Blend BlendOf(std::int32_t mode) {
+    using Rows = simd::BlendKernels;
+    if (mode >= kTransferFirstAlphaVariant && mode <= kTransferLastAlphaVariant) {
+        return {BlendSeparable<Exclusion>, &Rows::exclusion};
+    }
+    switch (mode) {
+        case kTransferBehind: return {BlendBehind, &Rows::behind};
+        case kTransferNormal: return {BlendSeparable<Normal>, &Rows::normal};
+        case kTransferDissolve:
+        case kTransferHue: return {BlendHue, &Rows::hue};
+        case kTransferAdd: return {BlendAdd, &Rows::add};
+        case kTransferMultiply: return {BlendSeparable<Multiply>, &Rows::multiply};
+        case kTransferScreen:
+        case kTransferLighterColor: return {BlendSeparable<Screen>, &Rows::screen};
+        case kTransferOverlay: return {BlendSeparable<Overlay>, &Rows::overlay};
+        case kTransferSoftLight: return {BlendSeparable<SoftLight>, &Rows::softLight};
+        case kTransferHardLight: return {BlendSeparable<HardLight>, &Rows::hardLight};
+        case kTransferDarken: return {BlendSeparable<Darken>, &Rows::darken};
+        case kTransferLighten: return {BlendSeparable<Lighten>, &Rows::lighten};
+        case kTransferDifference: return {BlendDifference, &Rows::difference};
+        case kTransferSaturation: return {BlendSaturation, &Rows::saturation};
+        case kTransferColor: return {BlendColor, &Rows::color};
+        case kTransferLuminosity: return {BlendLuminosity, &Rows::luminosity};
+        case kTransferColorDodge: return {BlendSeparable<ColorDodge>, &Rows::colorDodge};
+        case kTransferColorBurn: return {BlendSeparable<ColorBurn>, &Rows::colorBurn};
+        case kTransferExclusion: return {BlendSeparable<Exclusion>, &Rows::exclusion};
+        default: return {};
+    }
+}
+
 }  // namespace
 
 BlendRoutine BlendRoutineOf(std::int32_t mode) {
-    if (mode >= kTransferFirstAlphaVariant && mode <= kTransferLastAlphaVariant) {
-        return BlendSeparable<Exclusion>;
-    }
-    switch (mode) {
-        case kTransferBehind: return BlendBehind;
-        case kTransferNormal: return BlendSeparable<Normal>;
-        case kTransferDissolve:
-        case kTransferHue: return BlendHue;
-        case kTransferAdd: return BlendAdd;
-        case kTransferMultiply: return BlendSeparable<Multiply>;
-        case kTransferScreen:
-        case kTransferLighterColor: return BlendSeparable<Screen>;
-        case kTransferOverlay: return BlendSeparable<Overlay>;
-        case kTransferSoftLight: return BlendSeparable<SoftLight>;
-        case kTransferHardLight: return BlendSeparable<HardLight>;
-        case kTransferDarken: return BlendSeparable<Darken>;
-        case kTransferLighten: return BlendSeparable<Lighten>;
-        case kTransferDifference: return BlendDifference;
-        case kTransferSaturation: return BlendSaturation;
-        case kTransferColor: return BlendColor;
-        case kTransferLuminosity: return BlendLuminosity;
-        case kTransferColorDodge: return BlendSeparable<ColorDodge>;
-        case kTransferColorBurn: return BlendSeparable<ColorBurn>;
-        case kTransferExclusion: return BlendSeparable<Exclusion>;
-        default: return nullptr;
+    return BlendOf(mode).plain;
+}
+
+simd::BlendRow BlendRowOf(const simd::KernelTable& kernels, std::int32_t mode) {
+    const Blend blend = BlendOf(mode);
+    return blend.row != nullptr ? kernels.blend.*blend.row : nullptr;
+}
+
+void BlendImages(std::int32_t mode, const FloatImage& glow, const FloatImage& source,
+                 const BlendSettings& settings) {
+    if (const BlendRoutine blend = BlendRoutineOf(mode)) blend(glow, source, settings);
+}
+
+void BlendImages(const simd::KernelTable& kernels, std::int32_t mode, const FloatImage& glow,
+                 const FloatImage& source, const BlendSettings& settings) {
+    const simd::BlendRow blend = BlendRowOf(kernels, mode);
+    if (blend == nullptr) return;
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(glow.width) * kChannels;
+    for (std::int32_t y = 0; y < glow.height; ++y) {
+        blend(glow.row(y), source.row(y), values, settings);
     }
 }
 

@@ -2,16 +2,15 @@
 
 #include <cstdint>
 
+#include "composite/blend_settings.h"
 #include "image/float_image.h"
+#include "simd/blend_kernels.h"
 
 namespace vireon {
 
-/// What every pixel of one compositing shares.
-struct BlendSettings {
-    float glowOpacity;    ///< fraction; factor of the glow's alpha
-    float sourceOpacity;  ///< fraction; factor of the source's alpha
-    bool forceOpaque;     ///< the result's alpha is 1.0
-};
+namespace simd {
+struct KernelTable;
+}
 
 /// Blends the glow (T) over the source (K), pixel by pixel; the result takes the glow's place. Both
 /// are float images of one size, straight colour in any range, and must not overlap.
@@ -24,5 +23,15 @@ using BlendRoutine = void (*)(const FloatImage& glow, const FloatImage& source,
 
 /// Routine of a transfer-mode code in the host's numbering, or null for codes that do nothing.
 BlendRoutine BlendRoutineOf(std::int32_t mode);
+
+/// The kernel that does the same to a row, with the same bits, or null where that is null.
+simd::BlendRow BlendRowOf(const simd::KernelTable& kernels, std::int32_t mode);
+
+/// Blends whole images by a transfer-mode code; codes that do nothing change nothing.
+void BlendImages(std::int32_t mode, const FloatImage& glow, const FloatImage& source,
+                 const BlendSettings& settings);
+/// The same by kernels, with the same bits.
+void BlendImages(const simd::KernelTable& kernels, std::int32_t mode, const FloatImage& glow,
+                 const FloatImage& source, const BlendSettings& settings);
 
 }  // namespace vireon

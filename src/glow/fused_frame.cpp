@@ -235,52 +235,49 @@ class SpanFinisher {
                  const GlowSettings& settings, const simd::GlowRowSettings& passes)
         : kernels_(kernels),
           passes_(passes),
-          glowOpacity_(static_cast<float>(settings.glowOpacity * 0.01)),
-          sourceOpacity_(static_cast<float>(settings.sourceOpacity * 0.01)),
+          settings_{static_cast<float>(settings.glowOpacity * 0.01),
+                    static_cast<float>(settings.sourceOpacity * 0.01), /*forceOpaque=*/false},
           composites_(settings.transferMode != kTransferNone) {
-        if (composites_) {
-            mode_ = PipelineTransferMode(settings.transferMode, host.keepsSeparators());
-        }
-        addsOpaque_ = composites_ && mode_ == kTransferAdd && passes.opaque &&
-                      glowOpacity_ == 1.0f && sourceOpacity_ == 1.0f;
+        if (!composites_) return;
+        const std::int32_t mode =
+            PipelineTransferMode(settings.transferMode, host.keepsSeparators());
+        blend_ = BlendRowOf(kernels, mode);
+        limitsColour_ = mode == kTransferColorBurn;
+        addsOpaque_ = mode == kTransferAdd && passes.opaque && settings_.glowOpacity == 1.0f &&
+                      settings_.sourceOpacity == 1.0f;
     }
 
-    void finish(float* glow, float* input, std::int32_t pixels) const {
+    void finish(float* glow, const float* input, std::int32_t pixels) const {
         const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(pixels) * kChannels;
         if (addsOpaque_) {
             kernels_.frame.finishAndAddOpaque(glow, input, values, passes_);
             return;
         }
         kernels_.frame.finishGlow(glow, input, values, passes_);
-        composite({glow, pixels, 1, 0}, {input, pixels, 1, 0});
+        composite({glow, pixels, 1, 0}, input);
     }
 
   private:
-    void composite(const FloatImage& glow, const FloatImage& input) const {
+    void composite(const FloatImage& glow, const float* input) const {
         if (!composites_) {
-            if (!NearOne(glowOpacity_)) ScaleColour(glow, glowOpacity_);
+            if (!NearOne(settings_.glowOpacity)) ScaleColour(glow, settings_.glowOpacity);
             return;
         }
-        if (mode_ == kTransferAdd) {
-            kernels_.frame.blendAdd(glow.pixels, input.pixels,
-                                    static_cast<std::ptrdiff_t>(glow.width) * kChannels,
-                                    glowOpacity_, sourceOpacity_);
-            return;
+        if (limitsColour_) ClampColour(glow);
+        if (blend_ != nullptr) {
+            blend_(glow.pixels, input, static_cast<std::ptrdiff_t>(glow.width) * kChannels,
+                   settings_);
         }
-        if (mode_ == kTransferColorBurn) ClampColour(glow);
-        if (const BlendRoutine blend = BlendRoutineOf(mode_)) {
-            blend(glow, input, {glowOpacity_, sourceOpacity_, false});
-        }
-        if (mode_ == kTransferColorBurn) ClampColour(glow);
+        if (limitsColour_) ClampColour(glow);
     }
 
     const simd::KernelTable& kernels_;
     simd::GlowRowSettings passes_;
-    float glowOpacity_;
-    float sourceOpacity_;
+    BlendSettings settings_;
     bool composites_;
+    simd::BlendRow blend_ = nullptr;
+    bool limitsColour_ = false;
     bool addsOpaque_ = false;
-    std::int32_t mode_ = 0;
 };
 
 bool IsFloat(const RasterLayout& layout) {

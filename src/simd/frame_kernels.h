@@ -61,14 +61,10 @@ struct FrameKernels {
     void (*finishGlow)(float* glow, const float* source, std::ptrdiff_t values,
                        const GlowRowSettings& settings);
 
-    /// `finishGlow`, then `blendAdd` at full opacities where the source is opaque and the settings
-    /// make the glow opaque.
+    /// `finishGlow`, then the blend Add at full opacities where the source is opaque and the
+    /// settings make the glow opaque.
     void (*finishAndAddOpaque)(float* glow, const float* source, std::ptrdiff_t values,
                                const GlowRowSettings& settings);
-
-    /// The blend of transfer mode Add; the result takes the glow's place.
-    void (*blendAdd)(float* glow, const float* source, std::ptrdiff_t values, float glowOpacity,
-                     float sourceOpacity);
 };
 
 }  // namespace vireon::simd

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "simd/blend_kernels.h"
 #include "simd/frame_kernels.h"
 #include "simd/power_kernels.h"
 #include "simd/stamp_kernels.h"
@@ -11,6 +12,7 @@ namespace vireon::simd {
 /// The inner loops of the stages, compiled for one level. They take plain pointers and counts, know
 /// no host, allocate nothing and keep no state.
 struct KernelTable {
+    BlendKernels blend;
     FrameKernels frame;
     PowerKernels power;
     StampKernels stamps;

@@ -36,9 +36,10 @@ Ring RingOf(const std::string& file) {
     }
     // Plain data that pixel code may read lies with whoever defines its meaning.
     static const std::set<std::string> plainData = {
-        "shapes/glow_kernel.h",        "shapes/glow_kernel.cpp",     "render/glow_settings.h",
-        "composite/finite_light.h",    "composite/transfer_codes.h", "composite/output_passes.h",
-        "composite/output_passes.cpp", "glow/convolution_report.h",  "glow/convolution_report.cpp",
+        "shapes/glow_kernel.h",        "shapes/glow_kernel.cpp",      "render/glow_settings.h",
+        "composite/blend_settings.h",  "composite/finite_light.h",    "composite/transfer_codes.h",
+        "composite/output_passes.h",   "composite/output_passes.cpp", "glow/convolution_report.h",
+        "glow/convolution_report.cpp",
     };
     const bool pixelFile = file.find("_pixels.") != std::string::npos;
     if (StartsWith(file, "image/") || StartsWith(file, "simd/") || pixelFile ||

@@ -336,32 +336,6 @@ TEST(FrameKernels, TheSoftClipBendsEveryBrightnessAsThePlainOneDoes) {
     }
 }
 
-TEST(FrameKernels, AddIsTheBlendOfThatMode) {
-    Random random(5);
-    for (const Footage footage : kFootage) {
-        AtEveryLevelAndLength([&](const simd::FrameKernels& kernels, std::int32_t pixels,
-                                  std::int32_t offset) {
-            constexpr float kOpacities[] = {1.0f, 0.5f, 0.0f};
-            const float glowOpacity = kOpacities[random.whole(0, 2)];
-            const float sourceOpacity = kOpacities[random.whole(0, 2)];
-            constexpr float kAlphas[] = {1.0f, 0.0f, 0.25f, 1.0f};
-            Row glow(pixels, offset, footage, random);
-            Row source(pixels, offset, footage, random);
-            const bool opaque = random.whole(0, 1) == 0;
-            for (std::int32_t x = 0; x < pixels; ++x) {
-                glow.data()[x * kChannels] = opaque ? 1.0f : kAlphas[random.whole(0, 3)];
-                source.data()[x * kChannels] = opaque ? 1.0f : kAlphas[random.whole(0, 3)];
-            }
-            Row want = glow;
-            BlendRoutineOf(kTransferAdd)(want.view(), source.view(),
-                                         {glowOpacity, sourceOpacity, false});
-            Row got = glow;
-            kernels.blendAdd(got.data(), source.data(), got.values(), glowOpacity, sourceOpacity);
-            EXPECT_TRUE(SameBits(got, want));
-        });
-    }
-}
-
 TEST(FrameKernels, OpaqueGlowIsFinishedAndAddedInOneGo) {
     Random random(7);
     for (const Footage footage : kFootage) {
@@ -380,7 +354,7 @@ TEST(FrameKernels, OpaqueGlowIsFinishedAndAddedInOneGo) {
                 row.fullClamp = row.clamp == 1.0f;
                 Row want = glow;
                 kernels.finishGlow(want.data(), source.data(), want.values(), row);
-                kernels.blendAdd(want.data(), source.data(), want.values(), 1.0f, 1.0f);
+                BlendImages(kTransferAdd, want.view(), source.view(), {1.0f, 1.0f, false});
                 Row got = glow;
                 kernels.finishAndAddOpaque(got.data(), source.data(), got.values(), row);
                 EXPECT_TRUE(SameBits(got, want));
