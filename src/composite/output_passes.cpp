@@ -6,6 +6,7 @@
 #include "image/exact_math.h"
 #include "image/tolerance.h"
 #include "render/glow_settings.h"
+#include "simd/kernel_table.h"
 
 namespace vireon {
 namespace {
@@ -24,6 +25,32 @@ float Limited(float value) {
 
 float LargestColour(const float* pixel) {
     return std::max({pixel[kRed], pixel[kGreen], pixel[kBlue]});
+}
+
+// Calls `pass` with every row and the number of its channels.
+template <typename Pass>
+void ForEachRow(const FloatImage& image, Pass&& pass) {
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(image.width) * kChannels;
+    for (std::int32_t y = 0; y < image.height; ++y) pass(image.row(y), values);
+}
+
+void FinishRows(const simd::KernelTable& kernels, const FloatImage& glow, const FloatImage& source,
+                const simd::GlowRowSettings& passes) {
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(glow.width) * kChannels;
+    for (std::int32_t y = 0; y < glow.height; ++y) {
+        kernels.frame.finishGlow(glow.row(y), source.row(y), values, passes);
+    }
+}
+
+// The largest colour as far as the soft clip asks: 1 stands for anything less, 2 or more for
+// anything that is not less.
+float LargestAboveWhite(const simd::KernelTable& kernels, const FloatImage& image) {
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(image.width) * kChannels;
+    float largest = 1.0f;
+    for (std::int32_t y = 0; y < image.height && largest < 2.0f; ++y) {
+        largest = kernels.frame.largestColour(image.row(y), values, largest);
+    }
+    return largest;
 }
 
 }  // namespace
@@ -92,9 +119,59 @@ void IntensityToAlpha(const FloatImage& image) {
     });
 }
 
+void FinishGlow(const FloatImage& glow, const FloatImage& source, const GlowSettings& settings,
+                bool forceOpaque) {
+    ChannelMaskPass(glow, source, settings, 1.0f, forceOpaque);
+    OverbrightSoftClip(glow, settings);
+    ClampAlpha(glow);
+    if (settings.outputAlpha) IntensityToAlpha(glow);
+}
+
+simd::GlowRowSettings RowPasses(const GlowSettings& settings, bool forceOpaque) {
+    simd::GlowRowSettings row{};
+    row.keepColour[0] = settings.outputRed;
+    row.keepColour[1] = settings.outputGreen;
+    row.keepColour[2] = settings.outputBlue;
+    row.opaque = forceOpaque;
+    row.keepAlpha = settings.outputAlpha;
+    row.intensityToAlpha = settings.outputAlpha;
+    return row;
+}
+
+void AddSoftClip(simd::GlowRowSettings& row, const GlowSettings& settings, float largest) {
+    const auto clamp = static_cast<float>(settings.overbrightClamp / 100.0);
+    if (!settings.preventOverbrights || NearZero(clamp) || largest <= 1.0f) return;
+    row.softClip = true;
+    row.excess = std::min(largest - 1.0f, 1.0f);
+    row.knee = 1.0f - row.excess;
+    row.clamp = clamp;
+    row.fullClamp = NearOne(clamp);
+}
+
+void FinishGlow(const simd::KernelTable& kernels, const FloatImage& glow, const FloatImage& source,
+                const GlowSettings& settings, bool forceOpaque) {
+    simd::GlowRowSettings passes = RowPasses(settings, forceOpaque);
+    if (settings.preventOverbrights) {
+        // Colours that are no output channels must be gone before the largest is looked for.
+        if (!settings.outputRed || !settings.outputGreen || !settings.outputBlue) {
+            simd::GlowRowSettings maskOnly = passes;
+            maskOnly.intensityToAlpha = false;
+            FinishRows(kernels, glow, source, maskOnly);
+        }
+        AddSoftClip(passes, settings, LargestAboveWhite(kernels, glow));
+    }
+    FinishRows(kernels, glow, source, passes);
+}
+
 void ScaleColour(const FloatImage& image, float factor) {
     ForEachPixel(image, [factor](float* pixel) {
         for (std::int32_t c = kRed; c <= kBlue; ++c) pixel[c] *= factor;
+    });
+}
+
+void ScaleColour(const simd::KernelTable& kernels, const FloatImage& image, float factor) {
+    ForEachRow(image, [&](float* row, std::ptrdiff_t values) {
+        kernels.pass.scaleColour(row, values, factor);
     });
 }
 
@@ -102,6 +179,10 @@ void ClampColour(const FloatImage& image) {
     ForEachPixel(image, [](float* pixel) {
         for (std::int32_t c = kRed; c <= kBlue; ++c) pixel[c] = Limited(pixel[c]);
     });
+}
+
+void ClampColour(const simd::KernelTable& kernels, const FloatImage& image) {
+    ForEachRow(image, kernels.pass.clampColour);
 }
 
 void ClampAlpha(const FloatImage& image) {
@@ -114,6 +195,14 @@ bool IsOpaque(const FloatImage& image) {
         for (std::int32_t x = 0; x < image.width; ++x, pixel += kChannels) {
             if (pixel[kAlpha] < 1.0f) return false;
         }
+    }
+    return true;
+}
+
+bool IsOpaque(const simd::KernelTable& kernels, const FloatImage& image) {
+    const std::ptrdiff_t values = static_cast<std::ptrdiff_t>(image.width) * kChannels;
+    for (std::int32_t y = 0; y < image.height; ++y) {
+        if (!kernels.frame.isOpaqueFloat(image.row(y), values)) return false;
     }
     return true;
 }
@@ -132,11 +221,19 @@ void Premultiply(const FloatImage& image) {
     });
 }
 
+void Premultiply(const simd::KernelTable& kernels, const FloatImage& image) {
+    ForEachRow(image, kernels.pass.premultiply);
+}
+
 void Unpremultiply(const FloatImage& image) {
     ForEachPixel(image, [](float* pixel) {
         if (!(pixel[kAlpha] > 0.0f)) return;
         for (std::int32_t c = kRed; c <= kBlue; ++c) pixel[c] /= pixel[kAlpha];
     });
+}
+
+void Unpremultiply(const simd::KernelTable& kernels, const FloatImage& image) {
+    ForEachRow(image, kernels.pass.unpremultiply);
 }
 
 }  // namespace vireon

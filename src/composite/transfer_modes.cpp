@@ -89,11 +89,8 @@ std::int32_t TransferCompose(PluginHost_API& host, std::int32_t mode, float glow
     const BlendSettings settings{glowOpacity, sourceOpacity, forceOpaque};
     const FloatImage top = ViewRaster(host, glow);
     const FloatImage backdrop = ViewRaster(host, source);
-    if (const simd::KernelTable* kernels = simd::ActiveKernels()) {
-        BlendImages(*kernels, mode, top, backdrop, settings);
-    } else {
-        BlendImages(mode, top, backdrop, settings);
-    }
+    simd::AtActiveLevel(
+        [&](const auto&... kernels) { BlendImages(kernels..., mode, top, backdrop, settings); });
     return kSuccess;
 }
 

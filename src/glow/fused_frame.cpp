@@ -206,27 +206,6 @@ float LargestOfRows(GlowRows& rows, std::int32_t height) {
     return largest;
 }
 
-simd::GlowRowSettings PassesOf(const GlowSettings& settings, bool opaque) {
-    simd::GlowRowSettings row{};
-    row.keepColour[0] = settings.outputRed;
-    row.keepColour[1] = settings.outputGreen;
-    row.keepColour[2] = settings.outputBlue;
-    row.opaque = opaque;
-    row.keepAlpha = settings.outputAlpha;
-    row.intensityToAlpha = settings.outputAlpha;
-    return row;
-}
-
-void SetSoftClip(simd::GlowRowSettings& row, const GlowSettings& settings, float largest) {
-    const auto clamp = static_cast<float>(settings.overbrightClamp / 100.0);
-    if (!settings.preventOverbrights || NearZero(clamp) || largest <= 1.0f) return;
-    row.softClip = true;
-    row.excess = std::min(largest - 1.0f, 1.0f);
-    row.knee = 1.0f - row.excess;
-    row.clamp = clamp;
-    row.fullClamp = NearOne(clamp);
-}
-
 // Turns spans of glow into spans of the finished frame: the passes over the glow, then the
 // composite over the input, in the glow's place.
 class SpanFinisher {
@@ -260,15 +239,15 @@ class SpanFinisher {
   private:
     void composite(const FloatImage& glow, const float* input) const {
         if (!composites_) {
-            if (!NearOne(settings_.glowOpacity)) ScaleColour(glow, settings_.glowOpacity);
+            if (!NearOne(settings_.glowOpacity)) ScaleColour(kernels_, glow, settings_.glowOpacity);
             return;
         }
-        if (limitsColour_) ClampColour(glow);
+        if (limitsColour_) ClampColour(kernels_, glow);
         if (blend_ != nullptr) {
             blend_(glow.pixels, input, static_cast<std::ptrdiff_t>(glow.width) * kChannels,
                    settings_);
         }
-        if (limitsColour_) ClampColour(glow);
+        if (limitsColour_) ClampColour(kernels_, glow);
     }
 
     const simd::KernelTable& kernels_;
@@ -369,11 +348,11 @@ std::int32_t RenderRows(PluginHost_API& host, const simd::KernelTable& kernels,
         rows = std::make_unique<ImageRows>(kernels, ViewRaster(host, *enlarged));
     }
 
-    simd::GlowRowSettings passes = PassesOf(settings, opaque);
+    simd::GlowRowSettings passes = RowPasses(settings, opaque);
     // Smoothing weighs its samples with positive weights whose sum is 1: it makes no value larger.
     const bool mayExceed = !range.finite || range.largest > 1.0f;
     if (settings.preventOverbrights && mayExceed) {
-        SetSoftClip(passes, settings, LargestOfRows(*rows, height));
+        AddSoftClip(passes, settings, LargestOfRows(*rows, height));
     }
     WriteFrame(kernels, layouts, *rows, SpanFinisher(host, kernels, settings, passes));
     return kSuccess;

@@ -14,6 +14,7 @@
 #include "render/glow_settings.h"
 #include "render/raster_ops.h"
 #include "shapes/shape_library.h"
+#include "simd/level.h"
 
 namespace vireon {
 namespace {
@@ -32,7 +33,9 @@ class PixelStateScope {
             FillAlpha(input_);
             FillAlpha(source_);
         }
-        if (premultiplied_) Unpremultiply(input_);
+        if (premultiplied_) {
+            simd::AtActiveLevel([&](const auto&... kernels) { Unpremultiply(kernels..., input_); });
+        }
     }
     PixelStateScope(const PixelStateScope&) = delete;
     PixelStateScope& operator=(const PixelStateScope&) = delete;
@@ -43,8 +46,10 @@ class PixelStateScope {
             ClearAlpha(source_);
         }
         if (premultiplied_) {
-            Premultiply(input_);
-            Premultiply(output_);
+            simd::AtActiveLevel([&](const auto&... kernels) {
+                Premultiply(kernels..., input_);
+                Premultiply(kernels..., output_);
+            });
         }
     }
 
@@ -59,8 +64,9 @@ class PixelStateScope {
 // Takes alpha out of the glow of an opaque layer, and puts the setting back afterwards.
 class OpaqueLayerScope {
   public:
-    OpaqueLayerScope(GlowSettings& settings, const FloatImage& input)
-        : settings_(settings), opaque_(settings.outputAlpha && IsOpaque(input)) {
+    OpaqueLayerScope(GlowSettings& settings, const FloatImage& input) : settings_(settings) {
+        if (!settings.outputAlpha) return;
+        simd::AtActiveLevel([&](const auto&... kernels) { opaque_ = IsOpaque(kernels..., input); });
         if (opaque_) settings_.outputAlpha = false;
     }
     OpaqueLayerScope(const OpaqueLayerScope&) = delete;
@@ -72,7 +78,7 @@ class OpaqueLayerScope {
 
   private:
     GlowSettings& settings_;
-    bool opaque_;
+    bool opaque_ = false;
 };
 
 std::int32_t CompositeGlow(PluginHost_API& host, const GlowSettings& settings,
@@ -80,17 +86,24 @@ std::int32_t CompositeGlow(PluginHost_API& host, const GlowSettings& settings,
     const std::int32_t choice = settings.transferMode;
     const bool byHostLater = host.compositesItself() && choice <= kLastSelfCompositedChoice;
     if (choice == kTransferNone || byHostLater) {
-        if (!NearOne(glowOpacity)) ScaleColour(ViewRaster(host, glow), glowOpacity);
+        if (NearOne(glowOpacity)) return kSuccess;
+        const FloatImage image = ViewRaster(host, glow);
+        simd::AtActiveLevel(
+            [&](const auto&... kernels) { ScaleColour(kernels..., image, glowOpacity); });
         return kSuccess;
     }
     const std::int32_t mode = PipelineTransferMode(choice, host.keepsSeparators());
     const auto sourceOpacity = static_cast<float>(settings.sourceOpacity * 0.01);
     const bool ownCompositor = !host.isApplication(kAfterEffects);
 
-    if (mode == kTransferColorBurn) ClampColour(ViewRaster(host, glow));
+    const auto limitColour = [&] {
+        const FloatImage image = ViewRaster(host, glow);
+        simd::AtActiveLevel([&](const auto&... kernels) { ClampColour(kernels..., image); });
+    };
+    if (mode == kTransferColorBurn) limitColour();
     const std::int32_t result = TransferCompose(host, mode, glowOpacity, sourceOpacity, glow, input,
                                                 /*forceOpaque=*/false, ownCompositor);
-    if (mode == kTransferColorBurn) ClampColour(ViewRaster(host, glow));
+    if (mode == kTransferColorBurn) limitColour();
     return result;
 }
 
@@ -136,10 +149,9 @@ std::int32_t RenderFrame(PluginHost_API& host, GlowSettings& settings, const Glo
     }
 
     const FloatImage light = ViewRaster(host, *glow);
-    ChannelMaskPass(light, input, settings, 1.0f, layer.isOpaque());
-    OverbrightSoftClip(light, settings);
-    ClampAlpha(light);
-    if (settings.outputAlpha) IntensityToAlpha(light);
+    simd::AtActiveLevel([&](const auto&... kernels) {
+        FinishGlow(kernels..., light, input, settings, layer.isOpaque());
+    });
 
     result = CompositeGlow(host, settings, *glow, rasters.input, glowOpacity);
     const std::int32_t copied = CopyRaster(host, rasters.output, *glow);

@@ -2,6 +2,7 @@
 
 #include "simd/blend_kernels.h"
 #include "simd/frame_kernels.h"
+#include "simd/pass_kernels.h"
 #include "simd/power_kernels.h"
 #include "simd/stamp_kernels.h"
 #include "simd/tent_kernels.h"
@@ -14,6 +15,7 @@ namespace vireon::simd {
 struct KernelTable {
     BlendKernels blend;
     FrameKernels frame;
+    PassKernels pass;
     PowerKernels power;
     StampKernels stamps;
     TentKernels tent;

@@ -37,4 +37,15 @@ const KernelTable* KernelsOf(Level level);
 /// The kernels of the active level; null when the plain definitions are to run.
 const KernelTable* ActiveKernels();
 
+/// Calls `stage` with the kernels of the active level, or with nothing when the plain definitions
+/// are to run: `Stage(kernels..., image)` in it is the overload that the level asks for.
+template <typename Stage>
+void AtActiveLevel(Stage&& stage) {
+    if (const KernelTable* kernels = ActiveKernels()) {
+        stage(*kernels);
+    } else {
+        stage();
+    }
+}
+
 }  // namespace vireon::simd
