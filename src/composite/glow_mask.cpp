@@ -8,6 +8,7 @@
 #include "image/tolerance.h"
 #include "render/glow_settings.h"
 #include "render/raster_ops.h"
+#include "simd/level.h"
 
 namespace vireon {
 namespace {
@@ -34,7 +35,9 @@ std::int32_t ApplyGlowMask(PluginHost_API& host, const GlowSettings& settings,
         const FloatImage layer = ViewRaster(host, *mask);
         width = std::min(width, layer.width);
         height = std::min(height, layer.height);
-        MultiplyByAlpha(light, layer, width, height, singleChannel);
+        simd::AtActiveLevel([&](const auto&... kernels) {
+            MultiplyByAlpha(kernels..., light, layer, width, height, singleChannel);
+        });
     }
 
     const auto radius = static_cast<float>(settings.maskRadius);
@@ -49,7 +52,9 @@ std::int32_t ApplyGlowMask(PluginHost_API& host, const GlowSettings& settings,
     ellipse.scaleX = DistanceScale(host.downsampleX(), aspectX);
     ellipse.scaleY = DistanceScale(host.downsampleY(), aspectY);
     ellipse.softness = 1.0f - static_cast<float>(settings.maskFalloff);
-    MultiplyByEllipse(light, ellipse, width, height, singleChannel);
+    simd::AtActiveLevel([&](const auto&... kernels) {
+        MultiplyByEllipse(kernels..., light, ellipse, width, height, singleChannel);
+    });
     return kSuccess;
 }
 

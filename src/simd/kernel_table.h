@@ -2,6 +2,7 @@
 
 #include "simd/blend_kernels.h"
 #include "simd/frame_kernels.h"
+#include "simd/mask_kernels.h"
 #include "simd/pass_kernels.h"
 #include "simd/power_kernels.h"
 #include "simd/stamp_kernels.h"
@@ -15,6 +16,7 @@ namespace vireon::simd {
 struct KernelTable {
     BlendKernels blend;
     FrameKernels frame;
+    MaskKernels mask;
     PassKernels pass;
     PowerKernels power;
     StampKernels stamps;
