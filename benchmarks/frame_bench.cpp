@@ -16,6 +16,8 @@ using headless::Depth;
 
 constexpr int kWidth = 1920;
 constexpr int kHeight = 1080;
+constexpr double kMaskRadius = 500.0;
+constexpr double kMaskFalloff = 0.5;
 
 scenes::Canvas NightScene(Depth depth) {
     const bool overbright = depth == Depth::kFloat;
@@ -33,7 +35,11 @@ struct FrameSettings {
     Depth depth;
     std::int32_t quality;  ///< choice from 1
     double radius;
+    std::int32_t transferMode = 5;  ///< choice from 1, of a popup with separators: Add
+    bool mask = false;              ///< an ellipse, which goes through the stages one by one
 };
+
+constexpr std::int32_t kHueChoice = 20;
 
 void RenderFrames(benchmark::State& state, const scenes::Canvas& scene,
                   const FrameSettings& settings) {
@@ -48,6 +54,10 @@ void RenderFrames(benchmark::State& state, const scenes::Canvas& scene,
     host.setInput(bench::MakeLayer(scene, settings.depth));
     host.setPopup(kParamQuality, settings.quality);
     host.setFloatSlider(kParamGlowRadius, settings.radius);
+    host.setPopup(kParamTransferMode, settings.transferMode);
+    host.setCheckbox(kParamEnableMask, settings.mask);
+    host.setFloatSlider(kParamMaskRadius, kMaskRadius);
+    host.setFloatSlider(kParamMaskFalloff, kMaskFalloff);
     const headless::RenderRequest request = host.fullRequest(settings.depth);
     host.renderSmart(request);
 
@@ -80,6 +90,8 @@ VIREON_FRAME_BENCH(NightFrame, 4to1_radius100_8bit, Depth::k8, 3, 100.0);
 VIREON_FRAME_BENCH(NightFrame, 16to1_radius100_8bit, Depth::k8, 5, 100.0);
 VIREON_FRAME_BENCH(NightFrame, 4to1_radius100_16bit, Depth::k16, 3, 100.0);
 VIREON_FRAME_BENCH(NightFrame, 4to1_radius100_float, Depth::kFloat, 3, 100.0);
+VIREON_FRAME_BENCH(NightFrame, 4to1_radius100_8bit_hue, Depth::k8, 3, 100.0, kHueChoice);
+VIREON_FRAME_BENCH(NightFrame, 4to1_radius100_8bit_mask, Depth::k8, 3, 100.0, 5, true);
 VIREON_FRAME_BENCH(NoiseFrame, 1to1_radius25_8bit, Depth::k8, 1, 25.0);
 VIREON_FRAME_BENCH(NoiseFrame, 4to1_radius100_8bit, Depth::k8, 3, 100.0);
 VIREON_FRAME_BENCH(NoiseFrame, 16to1_radius100_8bit, Depth::k8, 5, 100.0);

@@ -164,6 +164,31 @@ void EllipseMaskPass(benchmark::State& state) {
     });
 }
 
+void EllipseMaskPassFast(benchmark::State& state) {
+    const simd::KernelTable* kernels = KernelsOrSkip(state);
+    if (kernels == nullptr) return;
+    const EllipseMask ellipse{kWidth / 2.0f, kHeight / 2.0f, 500.0f, 1.0f, 1.0f, 0.5f};
+    Measure(state, [&](const FloatImage& image) {
+        MultiplyByEllipse(*kernels, image, ellipse, kWidth, kHeight, false);
+    });
+}
+
+void AlphaMaskPass(benchmark::State& state) {
+    Pixels mask = Night();
+    Measure(state, [&](const FloatImage& image) {
+        MultiplyByAlpha(image, mask.view(), kWidth, kHeight, false);
+    });
+}
+
+void AlphaMaskPassFast(benchmark::State& state) {
+    const simd::KernelTable* kernels = KernelsOrSkip(state);
+    if (kernels == nullptr) return;
+    Pixels mask = Night();
+    Measure(state, [&](const FloatImage& image) {
+        MultiplyByAlpha(*kernels, image, mask.view(), kWidth, kHeight, false);
+    });
+}
+
 void ReduceBy4(benchmark::State& state) {
     Pixels small(kWidth / kReduction, kHeight / kReduction);
     Measure(state, [&](const FloatImage& image) { ReduceBilinear(image, small.view(), true); });
@@ -225,7 +250,9 @@ void TentBlurFast(benchmark::State& state) {
     });
 }
 
-void SoftClip(benchmark::State& state) {
+/// Glow with alpha and light above white.
+template <typename Finish>
+void MeasureFinish(benchmark::State& state, Finish&& finish) {
     Pixels bright = Night();
     for (float& value : bright.values) value *= 2.0f;
     const GlowSettings settings;
@@ -234,9 +261,35 @@ void SoftClip(benchmark::State& state) {
         state.PauseTiming();
         work.values = bright.values;
         state.ResumeTiming();
-        OverbrightSoftClip(work.view(), settings);
+        finish(work.view(), settings);
         benchmark::ClobberMemory();
     }
+}
+
+void FinishedGlow(benchmark::State& state) {
+    Pixels source = Night();
+    MeasureFinish(state, [&](const FloatImage& glow, const GlowSettings& settings) {
+        FinishGlow(glow, source.view(), settings, false);
+    });
+}
+
+void FinishedGlowFast(benchmark::State& state) {
+    const simd::KernelTable* kernels = KernelsOrSkip(state);
+    if (kernels == nullptr) return;
+    Pixels source = Night();
+    MeasureFinish(state, [&](const FloatImage& glow, const GlowSettings& settings) {
+        FinishGlow(*kernels, glow, source.view(), settings, false);
+    });
+}
+
+void Unpremultiplied(benchmark::State& state) {
+    Measure(state, [](const FloatImage& image) { Unpremultiply(image); });
+}
+
+void UnpremultipliedFast(benchmark::State& state) {
+    const simd::KernelTable* kernels = KernelsOrSkip(state);
+    if (kernels == nullptr) return;
+    Measure(state, [&](const FloatImage& image) { Unpremultiply(*kernels, image); });
 }
 
 /// Spans as long as those of fused frames and few, so that memory plays no part. Most frames are
@@ -294,16 +347,26 @@ BENCHMARK(PowerOfAllFast)->Name("PowerOfAll/fast")->Unit(benchmark::kMillisecond
 BENCHMARK(Widening)->Arg(31)->Arg(125)->Unit(benchmark::kMillisecond);
 BENCHMARK(WideningFast)->Name("Widening/fast")->Arg(31)->Arg(125)->Unit(benchmark::kMillisecond);
 BENCHMARK(EllipseMaskPass)->Unit(benchmark::kMillisecond);
+BENCHMARK(EllipseMaskPassFast)->Name("EllipseMaskPass/fast")->Unit(benchmark::kMillisecond);
+BENCHMARK(AlphaMaskPass)->Unit(benchmark::kMillisecond);
+BENCHMARK(AlphaMaskPassFast)->Name("AlphaMaskPass/fast")->Unit(benchmark::kMillisecond);
 BENCHMARK(ReduceBy4)->Unit(benchmark::kMillisecond);
 BENCHMARK(StampShapes4to1)->Unit(benchmark::kMillisecond);
 BENCHMARK(EnlargeBy4)->Unit(benchmark::kMillisecond);
 BENCHMARK(TentBlur)->Arg(4)->Arg(100)->Unit(benchmark::kMillisecond);
 BENCHMARK(TentBlurFast)->Name("TentBlur/fast")->Arg(4)->Arg(100)->Unit(benchmark::kMillisecond);
-BENCHMARK(SoftClip)->Unit(benchmark::kMillisecond);
+BENCHMARK(FinishedGlow)->Unit(benchmark::kMillisecond);
+BENCHMARK(FinishedGlowFast)->Name("FinishedGlow/fast")->Unit(benchmark::kMillisecond);
+BENCHMARK(Unpremultiplied)->Unit(benchmark::kMillisecond);
+BENCHMARK(UnpremultipliedFast)->Name("Unpremultiplied/fast")->Unit(benchmark::kMillisecond);
 
 #define VIREON_COMPOSITE(name)                                                              \
     BENCHMARK_CAPTURE(Composite, name, kTransfer##name)->ArgName("opaque")->Arg(1)->Arg(0); \
-    BENCHMARK_CAPTURE(CompositeFast, name, kTransfer##name)->ArgName("opaque")->Arg(1)->Arg(0)
+    BENCHMARK_CAPTURE(CompositeFast, name, kTransfer##name)                                 \
+        ->Name("Composite/" #name "/fast")                                                  \
+        ->ArgName("opaque")                                                                 \
+        ->Arg(1)                                                                            \
+        ->Arg(0)
 VIREON_COMPOSITE(Add);
 VIREON_COMPOSITE(Behind);
 VIREON_COMPOSITE(Screen);
