@@ -40,7 +40,9 @@ constexpr std::array kOpacities = {1.0f, 0.37f, 0.0f};
 
 void SetAlphas(Picture& picture, Coverage coverage, Random& random) {
     constexpr float kMixed[] = {0.0f, 1.0f, 0.5f, 0.37f, 1.0f, -0.0f};
-    constexpr float kOdd[] = {-0.5f, 1.7f, 1e-30f, 1e-42f, kNaN, kInfinity, 1.0f, 0.0f};
+    // Of -1 and 0.5, and of 2 and 2, nothing remains to divide by.
+    constexpr float kOdd[] = {-0.5f, 1.7f, 1e-30f, 1e-42f, kNaN, kInfinity,
+                              1.0f,  0.0f, -1.0f,  0.5f,   2.0f};
     for (std::int32_t y = 0; y < picture.height(); ++y) {
         for (std::int32_t x = 0; x < picture.width(); ++x) {
             float& alpha = picture.at(x, y, kAlpha);
@@ -48,7 +50,7 @@ void SetAlphas(Picture& picture, Coverage coverage, Random& random) {
                 case Coverage::kOpaque: alpha = 1.0f; break;
                 case Coverage::kClear: alpha = 0.0f; break;
                 case Coverage::kMixed: alpha = kMixed[random.whole(0, 5)]; break;
-                case Coverage::kAnything: alpha = kOdd[random.whole(0, 7)]; break;
+                case Coverage::kAnything: alpha = kOdd[random.whole(0, 10)]; break;
             }
         }
     }
