@@ -11,49 +11,6 @@ namespace {
 using simd::kMostCopies;
 using simd::kStampMargin;
 
-// The stamps of all sizes of a census, each evaluated when it is first asked for.
-class StampCache {
-  public:
-    explicit StampCache(const StampSource& source)
-        : sizes_(source.census.sizes()),
-          texels_(source.kernels, source.splat),
-          memory_(std::make_unique_for_overwrite<float[]>(source.census.stampFloats())),
-          boxes_(sizes_.size()),
-          made_(sizes_.size(), 0) {}
-
-    const StampBox& stamp(std::int32_t size) {
-        const auto place = static_cast<std::size_t>(size);
-        if (made_[place] == 0) make(place);
-        return boxes_[place];
-    }
-
-    /// Rounds the texels of stamps that are made from now on to multiples of a power of two.
-    void setStep(double step) { step_ = step; }
-
-  private:
-    void make(std::size_t place) {
-        float* const memory = memory_.get() + used_;
-        const std::size_t floats = StampFloats(sizes_[place]);
-        used_ += floats;
-        std::fill_n(memory, floats, 0.0f);
-        boxes_[place] = MakeStamp(texels_, sizes_[place], memory);
-        made_[place] = 1;
-        if (step_ == 0.0) return;
-        for (float* texel = memory; texel != memory + floats; ++texel) {
-            *texel =
-                static_cast<float>(std::nearbyint(static_cast<double>(*texel) / step_) * step_);
-        }
-    }
-
-    const std::vector<StampSize>& sizes_;
-    StampTexels texels_;
-    std::unique_ptr<float[]> memory_;
-    std::size_t used_ = 0;
-    std::vector<StampBox> boxes_;
-    std::vector<std::uint8_t> made_;
-    double step_ = 0.0;
-};
-
 // Source rows whose stamps may reach into a band.
 struct RowRange {
     std::int32_t first;
@@ -70,7 +27,8 @@ RowRange RowsThatReach(const GlowBand& band, const StampSource& source) {
 
 class CacheForm final : public BandForm {
   public:
-    explicit CacheForm(const StampSource& source) : source_(source), cache_(source) {}
+    CacheForm(const StampSource& source, StampCache& cache)
+        : source_(source), cache_(cache), places_(cache.add(source.census.sizes())) {}
 
     std::int32_t steps(const GlowBand& band) const override {
         const RowRange rows = RowsThatReach(band, source_);
@@ -90,7 +48,8 @@ class CacheForm final : public BandForm {
             end = run + row_.size();
         }
         for (; run != end; ++run) {
-            addRun(band, y, run->x, run->length, cache_.stamp(run->size));
+            const std::int32_t place = places_[static_cast<std::size_t>(run->size)];
+            addRun(band, y, run->x, run->length, cache_.stamp(place));
         }
     }
 
@@ -136,7 +95,8 @@ class CacheForm final : public BandForm {
     }
 
     StampSource source_;
-    StampCache cache_;
+    StampCache& cache_;
+    std::vector<std::int32_t> places_;  ///< in the cache, of the census's sizes
     std::vector<StampRun> row_;
 };
 
@@ -228,7 +188,7 @@ class RunsForm final : public BandForm {
   public:
     explicit RunsForm(const StampSource& source)
         : source_(source),
-          cache_(source),
+          cache_(source.kernels, source.splat),
           margin_(source.census.largestReach()),
           sums_(static_cast<std::size_t>(margin_) + static_cast<std::size_t>(source.image.width)),
           row_(static_cast<std::size_t>(source.image.width)) {
@@ -236,6 +196,7 @@ class RunsForm final : public BandForm {
         const double pixels = static_cast<double>(source.image.width) * source.image.height;
         // Four differences of a pixel's sum at most are under way at a time.
         const double bound = 4.0 * std::min(side * side, pixels) * LargestTexel(source.splat);
+        cache_.add(source.census.sizes());
         cache_.setStep(std::ldexp(1.0, std::ilogb(bound) + 1 - 52));
     }
 
@@ -303,16 +264,15 @@ class RunsForm final : public BandForm {
 
 void GlowBand::touch(std::int32_t firstTouched, std::int32_t lastTouched, std::int32_t left,
                      std::int32_t right) {
-    const std::int32_t first = std::max(left, 0) / kTileColumns;
-    const std::int32_t last = TilesAcross(std::min(right, width));
-    if (first >= last) return;
+    const TileRange range{(firstTouched - firstRow) / kTileRows,
+                          (lastTouched - 1 - firstRow) / kTileRows + 1,
+                          std::max(left, 0) / kTileColumns, TilesAcross(std::min(right, width))};
+    if (range.firstColumn >= range.endColumn || touched.contains(range)) return;
+    touched = range;
     const std::int32_t across = TilesAcross(width);
-    std::uint8_t* row = tileRow(firstTouched);
-    const std::uint8_t* const end = tileRow(lastTouched - 1);
-    for (; row <= end; row += across) {
-        std::int32_t tile = first;
-        do row[tile] = 1;
-        while (++tile < last);
+    for (std::int32_t row = range.firstRow; row < range.endRow; ++row) {
+        std::fill(tiles + row * across + range.firstColumn, tiles + row * across + range.endColumn,
+                  std::uint8_t{1});
     }
 }
 
@@ -338,8 +298,8 @@ std::ptrdiff_t BandStride(std::int32_t width) {
     return blocks * simd::kPlaneBlock;
 }
 
-std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source) {
-    return std::make_unique<CacheForm>(source);
+std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source, StampCache& cache) {
+    return std::make_unique<CacheForm>(source, cache);
 }
 
 std::unique_ptr<BandForm> MakeDirectForm(const StampSource& source) {

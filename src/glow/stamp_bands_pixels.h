@@ -5,8 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "glow/stamp_cache_pixels.h"
 #include "glow/stamp_census_pixels.h"
-#include "glow/stamp_texels_pixels.h"
 
 namespace vireon {
 
@@ -23,6 +23,19 @@ inline constexpr std::int32_t TilesDown(std::int32_t rows) {
     return (rows + kTileRows - 1) / kTileRows;
 }
 
+/// Tiles of a band; the ends lie behind the last.
+struct TileRange {
+    std::int32_t firstRow = 0;
+    std::int32_t endRow = 0;
+    std::int32_t firstColumn = 0;
+    std::int32_t endColumn = 0;
+
+    bool contains(const TileRange& other) const {
+        return firstRow <= other.firstRow && other.endRow <= endRow &&
+               firstColumn <= other.firstColumn && other.endColumn <= endColumn;
+    }
+};
+
 /// Some rows of one channel of the glow while stamps are added to them.
 struct GlowBand {
     float* values = nullptr;
@@ -32,6 +45,8 @@ struct GlowBand {
     std::int32_t rows = 0;
     /// For each tile, row by row: 1 when anything may have been added to it, else 0.
     std::uint8_t* tiles = nullptr;
+    /// Flagged last: stamps near each other mostly touch the same tiles.
+    TileRange touched;
 
     float* row(std::int32_t y) const { return values + (y - firstRow) * stride; }
     std::uint8_t* tileRow(std::int32_t y) const {
@@ -72,8 +87,9 @@ class BandForm {
 };
 
 /// Every size's stamp is evaluated once and added pixel by pixel in the source's order, which gives
-/// the bits of `SplatRow`. Needs the census's sizes.
-std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source);
+/// the bits of `SplatRow`. Needs the census's sizes; refers to the cache.
+/// \throws std::bad_alloc
+std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source, StampCache& cache);
 
 /// Every run of equal stamps is evaluated row by row and added in the source's order, which gives
 /// the bits of `SplatRow`.

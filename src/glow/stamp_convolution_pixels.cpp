@@ -41,6 +41,7 @@ StampConvolution::StampConvolution(const simd::KernelTable& kernels, const Float
       splat_(splat),
       channels_(channels),
       forced_(forced),
+      cache_(std::in_place, kernels, splat),
       blocks_(source.width),
       streams_(static_cast<std::ptrdiff_t>(destination.width) * destination.height * kChannels *
                    static_cast<std::ptrdiff_t>(sizeof(float)) >
@@ -158,7 +159,7 @@ void StampConvolution::startForms() {
         }
         if (form != ConvolutionForm::kRuns) work.census->dropCorners();
         switch (form) {
-            case ConvolutionForm::kCache: work.form = MakeCacheForm(sourceOf(c)); break;
+            case ConvolutionForm::kCache: work.form = MakeCacheForm(sourceOf(c), *cache_); break;
             case ConvolutionForm::kDirect: work.form = MakeDirectForm(sourceOf(c)); break;
             case ConvolutionForm::kRuns: work.form = MakeRunsForm(sourceOf(c)); break;
             default:
@@ -200,6 +201,7 @@ void StampConvolution::startBand(std::int32_t firstRow) {
         if (!work.form) continue;
         work.band.firstRow = firstRow;
         work.band.rows = std::min(bandRows_, source_.height - firstRow);
+        work.band.touched = {};
     }
 }
 
@@ -219,6 +221,7 @@ void StampConvolution::workOnBands() {
             work.plane = {};
             work.tiles = {};
         }
+        cache_.reset();
         return;
     }
     ChannelWork& work = work_[channel_];

@@ -16,7 +16,7 @@ namespace vireon {
 /// The general splat of a whole image in parts. It looks at the source first and chooses for each
 /// channel how its stamps are added; the choice depends on pixels and settings alone.
 ///
-/// Besides tables of constant size, and `kMostStampBytes` of stamps, it takes at most one float a
+/// Besides tables of constant size, and `kMostStampBytes` of stamps a channel, it takes at most one float a
 /// pixel.
 class StampConvolution {
   public:
@@ -78,6 +78,7 @@ class StampConvolution {
     ChannelFlags channels_;
     std::optional<ConvolutionForm> forced_;
     ConvolutionReport report_;
+    std::optional<StampCache> cache_;
     ChannelWork work_[kChannels];
     LitBlocks blocks_;
     std::int32_t censusRow_ = 0;

@@ -1,0 +1,39 @@
+#include "glow/stamp_cache_pixels.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+namespace vireon {
+
+std::vector<std::int32_t> StampCache::add(const std::vector<StampSize>& sizes) {
+    std::vector<std::int32_t> places;
+    places.reserve(sizes.size());
+    for (const StampSize size : sizes) {
+        const auto next = static_cast<std::int32_t>(sizes_.size());
+        const auto [found, isNew] =
+            places_.try_emplace(std::bit_cast<std::uint32_t>(size.scale), next);
+        places.push_back(found->second);
+        if (!isNew) continue;
+        sizes_.push_back(size);
+        floats_ += StampFloats(size);
+    }
+    boxes_.resize(sizes_.size());
+    return places;
+}
+
+const StampBox& StampCache::make(std::size_t place) {
+    if (!memory_) memory_ = std::make_unique_for_overwrite<float[]>(floats_);
+    float* const memory = memory_.get() + used_;
+    const std::size_t floats = StampFloats(sizes_[place]);
+    used_ += floats;
+    std::fill_n(memory, floats, 0.0f);
+    boxes_[place] = MakeStamp(texels_, sizes_[place], memory);
+    if (step_ == 0.0) return boxes_[place];
+    for (float* texel = memory; texel != memory + floats; ++texel) {
+        *texel = static_cast<float>(std::nearbyint(static_cast<double>(*texel) / step_) * step_);
+    }
+    return boxes_[place];
+}
+
+}  // namespace vireon

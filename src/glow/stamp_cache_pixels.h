@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "glow/stamp_texels_pixels.h"
+
+namespace vireon {
+
+/// Stamps of some sizes, each evaluated when it is first asked for. Channels whose values are alike
+/// share one cache, so that less of it has to stay in the processor's.
+class StampCache {
+  public:
+    /// Refers to both.
+    /// \throws std::bad_alloc
+    StampCache(const simd::KernelTable& kernels, const Splat& splat) : texels_(kernels, splat) {}
+
+    /// Takes in a channel's sizes, those that are new. All sizes come before the first stamp is
+    /// asked for.
+    /// \return the place of each in the cache
+    /// \throws std::bad_alloc
+    std::vector<std::int32_t> add(const std::vector<StampSize>& sizes);
+
+    /// The stamp at a place; stays where it is as long as the cache does.
+    /// \throws std::bad_alloc
+    const StampBox& stamp(std::int32_t place) {
+        const StampBox& box = boxes_[static_cast<std::size_t>(place)];
+        return box.stride != 0 ? box : make(static_cast<std::size_t>(place));
+    }
+
+    /// Rounds the texels of stamps that are made from now on to multiples of a power of two.
+    void setStep(double step) { step_ = step; }
+
+  private:
+    const StampBox& make(std::size_t place);
+
+    StampTexels texels_;
+    std::unordered_map<std::uint32_t, std::int32_t> places_;  ///< by the bits of the scale
+    std::vector<StampSize> sizes_;
+    std::vector<StampBox> boxes_;  ///< of a stride of 0 until they are made
+    std::size_t floats_ = 0;
+    std::unique_ptr<float[]> memory_;
+    std::size_t used_ = 0;
+    double step_ = 0.0;
+};
+
+}  // namespace vireon
