@@ -25,23 +25,50 @@ RowRange RowsThatReach(const GlowBand& band, const StampSource& source) {
     return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)};
 }
 
-class CacheForm final : public BandForm {
+// Steps that go through the source rows that reach into a band, one at a time.
+class RowByRowForm : public BandForm {
   public:
-    CacheForm(const StampSource& source, StampCache& cache)
-        : source_(source), cache_(cache), places_(cache.add(source.census.sizes())) {}
+    explicit RowByRowForm(const StampSource& source) : source_(source) {}
 
-    std::int32_t steps(const GlowBand& band) const override {
+    std::int32_t steps(const GlowBand& band) const final {
         const RowRange rows = RowsThatReach(band, source_);
         return std::max(rows.last - rows.first + 1, 0);
     }
 
+    double work(const GlowBand& band, std::int32_t index) const final {
+        // As if all stamps were as high as the largest; looking at the row counts for little.
+        constexpr double kLook = 100.0;
+        const std::int32_t y = rowOfStep(band, index);
+        const std::int32_t reach = source_.census.largestReach();
+        const std::int32_t top = std::max(y - reach, band.firstRow);
+        const std::int32_t bottom = std::min(y + reach + 1, band.firstRow + band.rows);
+        return kLook + rowWork(y) * (bottom - top) / (2.0 * reach + 1.0);
+    }
+
+  protected:
+    /// The work of all stamps of a source row.
+    virtual double rowWork(std::int32_t y) const = 0;
+    const StampSource& source() const { return source_; }
+    std::int32_t rowOfStep(const GlowBand& band, std::int32_t index) const {
+        return RowsThatReach(band, source_).first + index;
+    }
+
+  private:
+    StampSource source_;
+};
+
+class CacheForm final : public RowByRowForm {
+  public:
+    CacheForm(const StampSource& source, StampCache& cache)
+        : RowByRowForm(source), cache_(cache), places_(cache.add(source.census.sizes())) {}
+
     void step(GlowBand& band, std::int32_t index) override {
-        const std::int32_t y = RowsThatReach(band, source_).first + index;
+        const std::int32_t y = rowOfStep(band, index);
         const StampRun* run = nullptr;
         const StampRun* end = nullptr;
-        if (source_.census.hasRuns()) {
-            run = source_.census.runsBegin(y);
-            end = source_.census.runsEnd(y);
+        if (source().census.hasRuns()) {
+            run = source().census.runsBegin(y);
+            end = source().census.runsEnd(y);
         } else {
             readRow(y);
             run = row_.data();
@@ -53,16 +80,19 @@ class CacheForm final : public BandForm {
         }
     }
 
+  protected:
+    double rowWork(std::int32_t y) const override { return source().census.texelsOfRow(y); }
+
   private:
     void readRow(std::int32_t y) {
         row_.clear();
         float lastValue = 0.0f;
         std::int32_t size = -1;
-        for (std::int32_t x = 0; x < source_.image.width; ++x) {
-            const float value = source_.image.pixel(x, y)[source_.channel];
+        for (std::int32_t x = 0; x < source().image.width; ++x) {
+            const float value = source().image.pixel(x, y)[source().channel];
             if (value != lastValue) {
                 lastValue = value;
-                const std::int32_t next = source_.census.sizeOf(value);
+                const std::int32_t next = source().census.sizeOf(value);
                 if (next != size && next >= 0) row_.push_back({x, 0, next});
                 size = next;
             }
@@ -88,35 +118,29 @@ class CacheForm final : public BandForm {
         while (run > 0) {
             const std::int32_t copies = std::min(run, kMostCopies);
             span.left = x + box.firstColumn;
-            source_.kernels.stamps.addCopies(span, copies);
+            source().kernels.stamps.addCopies(span, copies);
             x += copies;
             run -= copies;
         }
     }
 
-    StampSource source_;
     StampCache& cache_;
     std::vector<std::int32_t> places_;  ///< in the cache, of the census's sizes
     std::vector<StampRun> row_;
 };
 
-class DirectForm final : public BandForm {
+class DirectForm final : public RowByRowForm {
   public:
     explicit DirectForm(const StampSource& source)
-        : source_(source), texels_(source.kernels, source.splat) {}
-
-    std::int32_t steps(const GlowBand& band) const override {
-        const RowRange rows = RowsThatReach(band, source_);
-        return std::max(rows.last - rows.first + 1, 0);
-    }
+        : RowByRowForm(source), texels_(source.kernels, source.splat) {}
 
     void step(GlowBand& band, std::int32_t index) override {
-        const FloatImage& image = source_.image;
-        const std::int32_t y = RowsThatReach(band, source_).first + index;
-        if (source_.census.hasRuns()) {
-            const StampRun* end = source_.census.runsEnd(y);
-            for (const StampRun* run = source_.census.runsBegin(y); run != end; ++run) {
-                addRun(band, y, run->x, run->length, source_.census.sizeOf(*run));
+        const FloatImage& image = source().image;
+        const std::int32_t y = rowOfStep(band, index);
+        if (source().census.hasRuns()) {
+            const StampRun* end = source().census.runsEnd(y);
+            for (const StampRun* run = source().census.runsBegin(y); run != end; ++run) {
+                addRun(band, y, run->x, run->length, source().census.sizeOf(*run));
             }
             return;
         }
@@ -133,9 +157,14 @@ class DirectForm final : public BandForm {
         }
     }
 
+  protected:
+    double rowWork(std::int32_t y) const override {
+        return source().census.texelsOfRow(y) + kEvaluateCost * source().census.runTexelsOfRow(y);
+    }
+
   private:
     StampSize sizeAt(std::int32_t x, std::int32_t y) const {
-        return StampSizeOf(source_.image.pixel(x, y)[source_.channel], source_.splat);
+        return StampSizeOf(source().image.pixel(x, y)[source().channel], source().splat);
     }
     static bool same(StampSize a, StampSize b) { return a.reach == b.reach && a.scale == b.scale; }
 
@@ -163,14 +192,13 @@ class DirectForm final : public BandForm {
                 const std::int32_t copies = std::min(run - done, kMostCopies);
                 span.left = x + done + first;
                 if (span.left < span.width && span.left + columns + copies > 0) {
-                    source_.kernels.stamps.addCopies(span, copies);
+                    source().kernels.stamps.addCopies(span, copies);
                 }
                 done += copies;
             }
         }
     }
 
-    StampSource source_;
     StampTexels texels_;
     std::vector<float> row_;
 };
@@ -204,6 +232,7 @@ class RunsForm final : public BandForm {
     std::int32_t steps(const GlowBand& band) const override {
         return band.rows + (band.firstRow == 0 ? margin_ : 0);
     }
+    double work(const GlowBand&, std::int32_t) const override { return 1.0; }
 
     void step(GlowBand& band, std::int32_t index) override {
         const std::int32_t y = band.firstRow + index - (band.firstRow == 0 ? margin_ : 0);

@@ -76,11 +76,16 @@ struct StampSource {
     const StampCensus& census;
 };
 
+/// Cost of a texel that is evaluated, in units of one that is added from a stamp in the cache.
+inline constexpr double kEvaluateCost = 10.0;
+
 /// A form that fills the glow band by band from the top, each band in steps.
 class BandForm {
   public:
     virtual ~BandForm() = default;
     virtual std::int32_t steps(const GlowBand& band) const = 0;
+    /// The work of a step, in a unit of the form's own.
+    virtual double work(const GlowBand& band, std::int32_t index) const = 0;
     /// Steps 0 to steps - 1 of a band that starts as zeros, in order.
     /// \throws std::bad_alloc
     virtual void step(GlowBand& band, std::int32_t index) = 0;

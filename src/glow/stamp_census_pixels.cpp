@@ -119,6 +119,8 @@ void StampCensus::addRow(const float* row, const LitBlocks& blocks) {
     float lastValue = 0.0f;
     StampSize size{0.0f, 0};
     StampRun run{0, 0, kNoStamp};
+    const double texelsAbove = texels_;
+    const double runTexelsAbove = runTexels_;
     std::int32_t x = 0;
     for (const std::int32_t block : blocks.places) {
         if ((blocks.flags[static_cast<std::size_t>(block)] & flag) == 0) continue;
@@ -149,6 +151,8 @@ void StampCensus::addRow(const float* row, const LitBlocks& blocks) {
         endRun(run, size);
     }
     ++rows_;
+    rowTexels_.push_back(texels_ - texelsAbove);
+    rowRunTexels_.push_back(runTexels_ - runTexelsAbove);
     if (hasRuns_) runRows_.push_back(runs_.size());
     if (hasCorners_) addRowOfCorners(blocks);
 }

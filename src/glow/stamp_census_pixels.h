@@ -59,6 +59,11 @@ class StampCensus {
     double texels() const { return texels_; }
     /// Texels of the stamps at the starts of runs of equal size.
     double runTexels() const { return runTexels_; }
+    /// `texels` and `runTexels` of one row.
+    double texelsOfRow(std::int32_t y) const { return rowTexels_[static_cast<std::size_t>(y)]; }
+    double runTexelsOfRow(std::int32_t y) const {
+        return rowRunTexels_[static_cast<std::size_t>(y)];
+    }
     float largestScale() const { return largestScale_; }
     std::int32_t largestReach() const { return largestReach_; }
 
@@ -121,6 +126,8 @@ class StampCensus {
     bool hasCorners_ = true;
     bool hasRuns_ = true;
     std::int32_t rows_ = 0;
+    std::vector<double> rowTexels_;
+    std::vector<double> rowRunTexels_;
     std::vector<Slot> slots_;
     std::vector<StampSize> sizes_;
     std::vector<std::int32_t> above_;  ///< places of the row before, -1 for no stamp

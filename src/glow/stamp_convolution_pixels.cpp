@@ -18,8 +18,7 @@ constexpr std::ptrdiff_t kStreamedBytes = std::ptrdiff_t{16} << 20;
 // Looking at the source is done by this share of the whole.
 constexpr double kCensusShare = 1.0 / 16.0;
 
-// Costs in units of one texel that is added from a stamp in the cache.
-constexpr double kEvaluateCost = 10.0;
+// Costs in units of one texel that is added from a stamp in the cache, as `kEvaluateCost` is.
 constexpr double kCornerTexelCost = 4.0;
 constexpr double kIntegrateCost = 15.0;
 constexpr double kQuadraticCost = 2.5;
@@ -164,7 +163,7 @@ void StampConvolution::startForms() {
             case ConvolutionForm::kRuns: work.form = MakeRunsForm(sourceOf(c)); break;
             default:
                 work.census->dropSizes();
-                work.stepCost = cost;
+                work.unitCost = cost;
                 continue;
         }
         bands = true;
@@ -175,13 +174,14 @@ void StampConvolution::startForms() {
         work.band.tiles = work.tiles.data();
         work.band.stride = stride;
         work.band.width = source_.width;
-        double steps = 0.0;
+        double units = 0.0;
         for (std::int32_t y = 0; y < source_.height; y += bandRows_) {
             work.band.firstRow = y;
             work.band.rows = std::min(bandRows_, source_.height - y);
-            steps += work.form->steps(work.band);
+            const std::int32_t steps = work.form->steps(work.band);
+            for (std::int32_t i = 0; i < steps; ++i) units += work.form->work(work.band, i);
         }
-        work.stepCost = cost / steps;
+        work.unitCost = cost / units;
     }
     if (bands) {
         writeCost_ = kWriteCost * pixels * bandRows_ / source_.height;
@@ -230,8 +230,8 @@ void StampConvolution::workOnBands() {
         step_ = 0;
         return;
     }
+    doneCost_ += work.form->work(work.band, step_) * work.unitCost;
     work.form->step(work.band, step_++);
-    doneCost_ += work.stepCost;
 }
 
 // Channels of other forms become 0. Leaves the planes 0.
@@ -305,7 +305,7 @@ void StampConvolution::workOnRanges() {
         }
         ranges_ = std::make_unique<RangesForm>(sourceOf(channel_), destination_);
     }
-    doneCost_ += ranges_->step() / ranges_->totalWork() * work_[channel_].stepCost;
+    doneCost_ += ranges_->step() / ranges_->totalWork() * work_[channel_].unitCost;
     if (!ranges_->finished()) return;
     ranges_.reset();
     work_[channel_].census.reset();

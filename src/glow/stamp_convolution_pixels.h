@@ -16,8 +16,8 @@ namespace vireon {
 /// The general splat of a whole image in parts. It looks at the source first and chooses for each
 /// channel how its stamps are added; the choice depends on pixels and settings alone.
 ///
-/// Besides tables of constant size, and `kMostStampBytes` of stamps a channel, it takes at most one float a
-/// pixel.
+/// Besides tables of constant size, and `kMostStampBytes` of stamps a channel, it takes at most one
+/// float a pixel.
 class StampConvolution {
   public:
     /// Source and destination are float images of the same size that do not overlap. Refers to the
@@ -47,7 +47,7 @@ class StampConvolution {
         std::vector<float> plane;
         std::vector<std::uint8_t> tiles;
         GlowBand band;
-        double stepCost = 0.0;  ///< of a step, or of all ranges
+        double unitCost = 0.0;  ///< of a unit of the form's work, or of all ranges
     };
 
     /// Tiles side by side that hold something, or that hold nothing.
