@@ -63,8 +63,9 @@ Map LightOf(const scenes::Canvas& scene, Depth depth, float threshold) {
     return map;
 }
 
-Map Night(std::int32_t width, std::int32_t height, Depth depth) {
-    return LightOf(scenes::DrawNightCity(width, height, scenes::LightRange::kDisplay), depth, 0.5f);
+Map Night(std::int32_t width, std::int32_t height, Depth depth, float threshold = 0.5f) {
+    return LightOf(scenes::DrawNightCity(width, height, scenes::LightRange::kDisplay), depth,
+                   threshold);
 }
 
 Map Noise(Depth depth) {
@@ -101,6 +102,7 @@ struct Case {
 
 const Case kCases[] = {
     {"night8_1to1_r50", [] { return Night(1920, 1080, Depth::k8); }, 50.0f, true},
+    {"allNight8_1to1_r50", [] { return Night(1920, 1080, Depth::k8, 0.0f); }, 50.0f, true},
     {"nightFloat_1to1_r50", [] { return Night(1920, 1080, Depth::kFloat); }, 50.0f, true},
     {"night8_1to1_r500", [] { return Night(1920, 1080, Depth::k8); }, 500.0f, false},
     {"night8_4to1_r100", [] { return Night(480, 270, Depth::k8); }, 25.0f, true},

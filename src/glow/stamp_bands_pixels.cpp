@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <utility>
 
 #include "simd/kernel_table.h"
 
@@ -57,24 +59,75 @@ class RowByRowForm : public BandForm {
     StampSource source_;
 };
 
+// Where the stamps of the source's pixels lie in a cache, for some rows at a time: bands that
+// follow each other look at the same rows.
+class StampPlaces {
+  public:
+    static constexpr std::int16_t kNone = -1;
+
+    /// \param places  in the cache, of the census's sizes
+    /// \param rows  that are kept
+    StampPlaces(const StampSource& source, std::vector<std::int32_t> places, std::int32_t rows)
+        : source_(source),
+          places_(std::move(places)),
+          width_(static_cast<std::size_t>(source.image.width)),
+          kept_(static_cast<std::size_t>(rows), kNoRow),
+          values_(kept_.size() * width_) {}
+
+    /// One place a pixel.
+    const std::int16_t* row(std::int32_t y) {
+        const std::size_t slot = static_cast<std::size_t>(y) % kept_.size();
+        std::int16_t* const row = values_.data() + slot * width_;
+        if (kept_[slot] != y) read(y, row);
+        kept_[slot] = y;
+        return row;
+    }
+
+  private:
+    static constexpr std::int32_t kNoRow = -1;
+
+    void read(std::int32_t y, std::int16_t* row) const {
+        const float* value = source_.image.row(y) + source_.channel;
+        float last = 0.0f;
+        std::int16_t place = kNone;
+        for (std::size_t x = 0; x < width_; ++x, value += kChannels) {
+            if (*value != last) {
+                last = *value;
+                const std::int32_t size = source_.census.sizeOf(last);
+                place = size < 0
+                            ? kNone
+                            : static_cast<std::int16_t>(places_[static_cast<std::size_t>(size)]);
+            }
+            row[x] = place;
+        }
+    }
+
+    StampSource source_;
+    std::vector<std::int32_t> places_;
+    std::size_t width_;
+    std::vector<std::int32_t> kept_;  ///< which row each place holds
+    std::vector<std::int16_t> values_;
+};
+
 class CacheForm final : public RowByRowForm {
   public:
-    CacheForm(const StampSource& source, StampCache& cache)
-        : RowByRowForm(source), cache_(cache), places_(cache.add(source.census.sizes())) {}
+    CacheForm(const StampSource& source, StampCache& cache, std::int32_t bandRows)
+        : RowByRowForm(source), cache_(cache), places_(cache.add(source.census.sizes())) {
+        if (source.census.hasRuns()) return;
+        // Of each channel as much as a quarter of a float a pixel.
+        const std::int32_t reached = bandRows + 2 * source.census.largestReach();
+        const std::int32_t kept = reached <= source.image.height / 2 ? reached : 1;
+        rows_.emplace(source, places_, kept);
+    }
 
     void step(GlowBand& band, std::int32_t index) override {
         const std::int32_t y = rowOfStep(band, index);
-        const StampRun* run = nullptr;
-        const StampRun* end = nullptr;
-        if (source().census.hasRuns()) {
-            run = source().census.runsBegin(y);
-            end = source().census.runsEnd(y);
-        } else {
-            readRow(y);
-            run = row_.data();
-            end = run + row_.size();
+        if (rows_) {
+            addPlaces(band, y, rows_->row(y));
+            return;
         }
-        for (; run != end; ++run) {
+        const StampRun* const end = source().census.runsEnd(y);
+        for (const StampRun* run = source().census.runsBegin(y); run != end; ++run) {
             const std::int32_t place = places_[static_cast<std::size_t>(run->size)];
             addRun(band, y, run->x, run->length, cache_.stamp(place));
         }
@@ -84,19 +137,15 @@ class CacheForm final : public RowByRowForm {
     double rowWork(std::int32_t y) const override { return source().census.texelsOfRow(y); }
 
   private:
-    void readRow(std::int32_t y) {
-        row_.clear();
-        float lastValue = 0.0f;
-        std::int32_t size = -1;
-        for (std::int32_t x = 0; x < source().image.width; ++x) {
-            const float value = source().image.pixel(x, y)[source().channel];
-            if (value != lastValue) {
-                lastValue = value;
-                const std::int32_t next = source().census.sizeOf(value);
-                if (next != size && next >= 0) row_.push_back({x, 0, next});
-                size = next;
-            }
-            if (size >= 0) ++row_.back().length;
+    void addPlaces(GlowBand& band, std::int32_t y, const std::int16_t* places) {
+        const std::int32_t width = band.width;
+        for (std::int32_t x = 0; x < width;) {
+            const std::int16_t place = places[x];
+            const std::int32_t begin = x;
+            do ++x;
+            while (x < width && places[x] == place);
+            if (place == StampPlaces::kNone) continue;
+            addRun(band, y, begin, x - begin, cache_.stamp(place));
         }
     }
 
@@ -126,7 +175,7 @@ class CacheForm final : public RowByRowForm {
 
     StampCache& cache_;
     std::vector<std::int32_t> places_;  ///< in the cache, of the census's sizes
-    std::vector<StampRun> row_;
+    std::optional<StampPlaces> rows_;   ///< where the census has kept no runs
 };
 
 class DirectForm final : public RowByRowForm {
@@ -327,8 +376,9 @@ std::ptrdiff_t BandStride(std::int32_t width) {
     return blocks * simd::kPlaneBlock;
 }
 
-std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source, StampCache& cache) {
-    return std::make_unique<CacheForm>(source, cache);
+std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source, StampCache& cache,
+                                        std::int32_t bandRows) {
+    return std::make_unique<CacheForm>(source, cache, bandRows);
 }
 
 std::unique_ptr<BandForm> MakeDirectForm(const StampSource& source) {

@@ -93,8 +93,10 @@ class BandForm {
 
 /// Every size's stamp is evaluated once and added pixel by pixel in the source's order, which gives
 /// the bits of `SplatRow`. Needs the census's sizes; refers to the cache.
+/// \param bandRows  rows of a band, at most
 /// \throws std::bad_alloc
-std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source, StampCache& cache);
+std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source, StampCache& cache,
+                                        std::int32_t bandRows);
 
 /// Every run of equal stamps is evaluated row by row and added in the source's order, which gives
 /// the bits of `SplatRow`.

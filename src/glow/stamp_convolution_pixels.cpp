@@ -9,8 +9,9 @@
 namespace vireon {
 namespace {
 
-// Of a band of one channel: all channels of it stay in a processor's own cache.
-constexpr std::ptrdiff_t kBandBytes = 524288;
+// Of a band of one channel. Rows in work at a time are few, so that it need not stay in a cache;
+// the larger it is, the fewer source rows are looked at for two bands.
+constexpr std::ptrdiff_t kBandBytes = std::ptrdiff_t{1} << 20;
 
 // A picture that the caches of many processors do not hold: writing it past them spares reading it.
 constexpr std::ptrdiff_t kStreamedBytes = std::ptrdiff_t{16} << 20;
@@ -158,7 +159,9 @@ void StampConvolution::startForms() {
         }
         if (form != ConvolutionForm::kRuns) work.census->dropCorners();
         switch (form) {
-            case ConvolutionForm::kCache: work.form = MakeCacheForm(sourceOf(c), *cache_); break;
+            case ConvolutionForm::kCache:
+                work.form = MakeCacheForm(sourceOf(c), *cache_, bandRows_);
+                break;
             case ConvolutionForm::kDirect: work.form = MakeDirectForm(sourceOf(c)); break;
             case ConvolutionForm::kRuns: work.form = MakeRunsForm(sourceOf(c)); break;
             default:

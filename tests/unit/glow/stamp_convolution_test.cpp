@@ -402,10 +402,10 @@ TEST(StampConvolution, FewLightsFarApartInPicturesOfSeveralBands) {
     const GlowKernel kernel = RandomKernel(random, 12, 12);
     const ChannelFlags channels{{false, true, true, true}};
     for (const std::int32_t width : {64, 129, 1500}) {
-        Picture source(width, 100);
-        for (int i = 0; i < 12; ++i) {
+        Picture source(width, 400);
+        for (int i = 0; i < 40; ++i) {
             const std::int32_t x = random.whole(0, width - 1);
-            const std::int32_t y = random.whole(0, 99);
+            const std::int32_t y = random.whole(0, 399);
             const std::int32_t c = random.whole(0, 3);
             const float value = random.real(0.2f, 1.0f);
             for (std::int32_t right = x; right < std::min(x + i, width); ++right) {
@@ -420,6 +420,28 @@ TEST(StampConvolution, FewLightsFarApartInPicturesOfSeveralBands) {
                 EXPECT_TRUE(SameBits(fast.glow, plain))
                     << FormName(form) << ' ' << simd::LevelName(level) << ' ' << width;
             }
+        }
+    }
+}
+
+// Of the higher picture rows are kept from band to band, of the other one they are read again.
+TEST(StampConvolution, NoiseInPicturesOfSeveralBands) {
+    Random random(16);
+    const GlowKernel kernel = RandomKernel(random, 12, 12);
+    const ChannelFlags channels{{false, false, true, false}};
+    for (const std::int32_t height : {300, 700}) {
+        Picture source(1501, height);
+        for (std::int32_t y = 0; y < height; ++y) {
+            for (std::int32_t x = 0; x < source.width(); ++x) {
+                source.at(x, y, kGreen) = static_cast<float>(random.whole(0, 50)) / 50.0f;
+            }
+        }
+        const Splat splat = SplatOf(kernel, 3.0f);
+        const Picture plain = PlainGlow(source, splat, channels);
+        for (const simd::Level level : FastLevels()) {
+            const Fast fast = FastGlow(level, Form::kCache, source, splat, channels);
+            EXPECT_EQ(fast.report.channels[kGreen].form, Form::kCache);
+            EXPECT_TRUE(SameBits(fast.glow, plain)) << simd::LevelName(level) << ' ' << height;
         }
     }
 }
