@@ -173,6 +173,34 @@ class StageTable {
         add(std::move(row));
     }
 
+    /// What a convolution asks of the host for every row, by dark pictures that have nothing but
+    /// rows: many of them against one.
+    std::string costOfPolls(double radius) {
+        const auto convolve = [&](Picture& light, Picture& glow) {
+            GlowSettings settings;
+            settings.setOutputChannels(0);
+            settings.glowRadius = radius;
+            ConvolveShape(host_, light.raster(), glow.raster(), &shape_, settings, 1.0f,
+                          {kernels_, nullptr});
+        };
+        Picture manyRows(host_, 1, kHeight);
+        Picture oneRow(host_, 1, 1);
+        Picture manyRowsOfGlow(host_, 1, kHeight);
+        Picture oneRowOfGlow(host_, 1, 1);
+        manyRows.draw(Canvas(1, kHeight), Depth::k8);
+        oneRow.draw(Canvas(1, 1), Depth::k8);
+        const Pair pair =
+            MeasureInTurns({.run = [&] { convolve(manyRows, manyRowsOfGlow); }},
+                           {.run = [&] { convolve(oneRow, oneRowOfGlow); }}, options_.repeats);
+        const double ms = pair.first - pair.second;
+        char text[160];
+        std::snprintf(text, sizeof text,
+                      "Asking the host for leave and a scratch block, %d rows at a radius of %.0f: "
+                      "%.3f ms, %.1f %% of the convolution of the night city.",
+                      static_cast<int>(kHeight), radius, ms, 100.0 * ms / rows_.front().oursMs);
+        return text;
+    }
+
     void widening(std::int32_t reach, double required) {
         const WideningReach pixels{reach, 0.5f};
         Picture night(host_, kHalfWidth, kHalfHeight);
@@ -270,6 +298,7 @@ std::vector<SpeedRow> MeasureStages(const StageOptions& options,
                        kDefaultThreshold, 25.0, std::nullopt, "", true});
     table.convolution({"convolution, night city, 4:1, radius 1000", reducedNight, Depth::k8,
                        kDefaultThreshold, 250.0, std::nullopt, "", true});
+    remarks.push_back(table.costOfPolls(50.0));
     table.widening(125, 60.0);
     table.tentBlur(4, 12.0);
     table.tentBlur(100, 12.0);

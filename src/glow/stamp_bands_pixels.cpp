@@ -38,24 +38,36 @@ class RowByRowForm : public BandForm {
     }
 
     double work(const GlowBand& band, std::int32_t index) const final {
-        // As if all stamps were as high as the largest; looking at the row counts for little.
+        // As if all stamps were as high as the row's largest; looking at it counts for little.
         constexpr double kLook = 100.0;
         const std::int32_t y = rowOfStep(band, index);
-        const std::int32_t reach = source_.census.largestReach();
+        const std::int32_t reach = source_.census.largestReachOfRow(y);
         const std::int32_t top = std::max(y - reach, band.firstRow);
         const std::int32_t bottom = std::min(y + reach + 1, band.firstRow + band.rows);
+        if (top >= bottom) return kLook;
         return kLook + rowWork(y) * (bottom - top) / (2.0 * reach + 1.0);
+    }
+
+    void step(GlowBand& band, std::int32_t index) final {
+        const std::int32_t y = rowOfStep(band, index);
+        const std::int32_t reach = source_.census.largestReachOfRow(y);
+        if (reach == 0 || y + reach < band.firstRow || y - reach >= band.firstRow + band.rows)
+            return;
+        addRow(band, y);
     }
 
   protected:
     /// The work of all stamps of a source row.
     virtual double rowWork(std::int32_t y) const = 0;
+    /// Adds the stamps of a source row that reach into the band.
+    virtual void addRow(GlowBand& band, std::int32_t y) = 0;
     const StampSource& source() const { return source_; }
+
+  private:
     std::int32_t rowOfStep(const GlowBand& band, std::int32_t index) const {
         return RowsThatReach(band, source_).first + index;
     }
 
-  private:
     StampSource source_;
 };
 
@@ -120,8 +132,10 @@ class CacheForm final : public RowByRowForm {
         rows_.emplace(source, places_, kept);
     }
 
-    void step(GlowBand& band, std::int32_t index) override {
-        const std::int32_t y = rowOfStep(band, index);
+  protected:
+    double rowWork(std::int32_t y) const override { return source().census.texelsOfRow(y); }
+
+    void addRow(GlowBand& band, std::int32_t y) override {
         if (rows_) {
             addPlaces(band, y, rows_->row(y));
             return;
@@ -132,9 +146,6 @@ class CacheForm final : public RowByRowForm {
             addRun(band, y, run->x, run->length, cache_.stamp(place));
         }
     }
-
-  protected:
-    double rowWork(std::int32_t y) const override { return source().census.texelsOfRow(y); }
 
   private:
     void addPlaces(GlowBand& band, std::int32_t y, const std::int16_t* places) {
@@ -183,9 +194,13 @@ class DirectForm final : public RowByRowForm {
     explicit DirectForm(const StampSource& source)
         : RowByRowForm(source), texels_(source.kernels, source.splat) {}
 
-    void step(GlowBand& band, std::int32_t index) override {
+  protected:
+    double rowWork(std::int32_t y) const override {
+        return source().census.texelsOfRow(y) + kEvaluateCost * source().census.runTexelsOfRow(y);
+    }
+
+    void addRow(GlowBand& band, std::int32_t y) override {
         const FloatImage& image = source().image;
-        const std::int32_t y = rowOfStep(band, index);
         if (source().census.hasRuns()) {
             const StampRun* end = source().census.runsEnd(y);
             for (const StampRun* run = source().census.runsBegin(y); run != end; ++run) {
@@ -204,11 +219,6 @@ class DirectForm final : public RowByRowForm {
             addRun(band, y, x, end - x, size);
             x = end;
         }
-    }
-
-  protected:
-    double rowWork(std::int32_t y) const override {
-        return source().census.texelsOfRow(y) + kEvaluateCost * source().census.runTexelsOfRow(y);
     }
 
   private:

@@ -121,6 +121,7 @@ void StampCensus::addRow(const float* row, const LitBlocks& blocks) {
     StampRun run{0, 0, kNoStamp};
     const double texelsAbove = texels_;
     const double runTexelsAbove = runTexels_;
+    rowReach_ = 0;
     std::int32_t x = 0;
     for (const std::int32_t block : blocks.places) {
         if ((blocks.flags[static_cast<std::size_t>(block)] & flag) == 0) continue;
@@ -151,6 +152,7 @@ void StampCensus::addRow(const float* row, const LitBlocks& blocks) {
         endRun(run, size);
     }
     ++rows_;
+    rowReaches_.push_back(rowReach_);
     rowTexels_.push_back(texels_ - texelsAbove);
     rowRunTexels_.push_back(runTexels_ - runTexelsAbove);
     if (hasRuns_) runRows_.push_back(runs_.size());
@@ -176,6 +178,7 @@ void StampCensus::endRun(StampRun& run, StampSize size) {
     runTexels_ += texels;
     largestScale_ = std::max(largestScale_, size.scale);
     largestReach_ = std::max(largestReach_, size.reach);
+    rowReach_ = std::max(rowReach_, size.reach);
     if (hasCorners_) std::fill_n(row_.begin() + run.x, run.length, run.size);
     if (!hasSizes_) run.size = std::bit_cast<std::int32_t>(size.scale);
     if (!hasRuns_) return;

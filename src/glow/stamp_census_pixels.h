@@ -59,7 +59,10 @@ class StampCensus {
     double texels() const { return texels_; }
     /// Texels of the stamps at the starts of runs of equal size.
     double runTexels() const { return runTexels_; }
-    /// `texels` and `runTexels` of one row.
+    /// The same of one row each.
+    std::int32_t largestReachOfRow(std::int32_t y) const {
+        return rowReaches_[static_cast<std::size_t>(y)];
+    }
     double texelsOfRow(std::int32_t y) const { return rowTexels_[static_cast<std::size_t>(y)]; }
     double runTexelsOfRow(std::int32_t y) const {
         return rowRunTexels_[static_cast<std::size_t>(y)];
@@ -126,6 +129,8 @@ class StampCensus {
     bool hasCorners_ = true;
     bool hasRuns_ = true;
     std::int32_t rows_ = 0;
+    std::int32_t rowReach_ = 0;  ///< of the row that is taken in
+    std::vector<std::int32_t> rowReaches_;
     std::vector<double> rowTexels_;
     std::vector<double> rowRunTexels_;
     std::vector<Slot> slots_;
