@@ -56,7 +56,6 @@ ChildCommand CommandFor(const WorkerOptions& options) {
     }
 }
 
-/// The last line that the worker itself, not the effect, printed; empty when there is none.
 /// What Wine prints when a program meets a server that is on its way out.
 constexpr const char* kWineServerGone = "wine client error";
 
@@ -100,6 +99,7 @@ std::string LastLine(const std::string& text) {
                        end - (begin == std::string::npos ? 0 : begin + 1) + 1);
 }
 
+/// The last line that the worker itself, not the effect, printed; empty when there is none.
 std::string LastWords(const std::string& log) {
     const std::size_t begin = log.rfind(kWorkerLogPrefix);
     if (begin == std::string::npos) {
@@ -132,11 +132,12 @@ WorkerClient WorkerClient::start(const WorkerOptions& options, const RenderHooks
     try {
         return startOnce(options, hooks);
     } catch (const WorkerError& error) {
-        // A Wine server that is just ending refuses the program; the next start makes a new one.
-        if (error.kind() != WorkerError::Kind::kCrashed ||
-            std::string_view(error.what()).find(kWineServerGone) == std::string_view::npos) {
-            throw;
-        }
+        // A Wine server that is just ending refuses the program, mostly with these words but now
+        // and then without any; the next start makes a new one. No effect has run yet.
+        const bool underWine = options.worker.extension() == ".exe";
+        const bool refused =
+            std::string_view(error.what()).find(kWineServerGone) != std::string_view::npos;
+        if (error.kind() != WorkerError::Kind::kCrashed || !(underWine || refused)) throw;
     }
     return startOnce(options, hooks);
 }

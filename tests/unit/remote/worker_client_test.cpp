@@ -375,5 +375,34 @@ TEST(WorkerClient, AServerOnItsWayOutIsTriedOnceMore) {
     std::filesystem::remove(mark);
 }
 
+TEST(WorkerClient, AWineThatEndsWithoutAWordIsTriedOnceMore) {
+    const std::filesystem::path folder = testing::TempDir();
+    const std::filesystem::path tries = folder / ("vireon-tries-" + std::to_string(getpid()));
+    const std::filesystem::path program = folder / ("vireon-w" + std::to_string(getpid()) + ".exe");
+    std::ofstream(program) << "MZ";
+    const Script wine("echo x >>'" + tries.string() + "'; if [ -e '" + tries.string() +
+                      ".go' ]; then exec '" VIREON_TEST_WORKER "'; fi; touch '" + tries.string() +
+                      ".go'; exit 1");
+    WorkerOptions options;
+    options.worker = program;
+    options.wine = wine.options().worker;
+    options.winePrefix = folder / "vireon-prefix";
+    options.startLimit = std::chrono::seconds(20);
+    EXPECT_EQ(WorkerClient::start(options).system(), "linux");
+    EXPECT_EQ(std::filesystem::file_size(tries), 4u);
+
+    // Not more than once.
+    std::filesystem::remove(tries);
+    const Script never("echo x >>'" + tries.string() + "'; exit 1");
+    options.wine = never.options().worker;
+    std::string text;
+    EXPECT_EQ(KindOfError([&] { WorkerClient::start(options); }, &text), Kind::kCrashed);
+    EXPECT_NE(text.find("exit code 1"), std::string::npos) << text;
+    EXPECT_EQ(std::filesystem::file_size(tries), 4u);
+    std::filesystem::remove(tries);
+    std::filesystem::remove(tries.string() + ".go");
+    std::filesystem::remove(program);
+}
+
 }  // namespace
 }  // namespace vireon::headless
