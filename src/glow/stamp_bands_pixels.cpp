@@ -126,9 +126,9 @@ class CacheForm final : public RowByRowForm {
     CacheForm(const StampSource& source, StampCache& cache, std::int32_t bandRows)
         : RowByRowForm(source), cache_(cache), places_(cache.add(source.census.sizes())) {
         if (source.census.hasRuns()) return;
-        // Of each channel as much as a quarter of a float a pixel.
+        // Half a byte a pixel of each channel, at most.
         const std::int32_t reached = bandRows + 2 * source.census.largestReach();
-        const std::int32_t kept = reached <= source.image.height / 2 ? reached : 1;
+        const std::int32_t kept = reached <= source.image.height / 4 ? reached : 1;
         rows_.emplace(source, places_, kept);
     }
 

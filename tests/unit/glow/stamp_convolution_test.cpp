@@ -429,7 +429,7 @@ TEST(StampConvolution, NoiseInPicturesOfSeveralBands) {
     Random random(16);
     const GlowKernel kernel = RandomKernel(random, 12, 12);
     const ChannelFlags channels{{false, false, true, false}};
-    for (const std::int32_t height : {300, 700}) {
+    for (const std::int32_t height : {300, 800}) {
         Picture source(1501, height);
         for (std::int32_t y = 0; y < height; ++y) {
             for (std::int32_t x = 0; x < source.width(); ++x) {
