@@ -140,11 +140,10 @@ class CacheForm final : public RowByRowForm {
             addPlaces(band, y, rows_->row(y));
             return;
         }
-        const StampRun* const end = source().census.runsEnd(y);
-        for (const StampRun* run = source().census.runsBegin(y); run != end; ++run) {
-            const std::int32_t place = places_[static_cast<std::size_t>(run->size)];
-            addRun(band, y, run->x, run->length, cache_.stamp(place));
-        }
+        source().census.forEachRun(y, [&](std::int32_t x, std::int32_t length, std::int32_t size) {
+            const std::int32_t place = places_[static_cast<std::size_t>(size)];
+            addRun(band, y, x, length, cache_.stamp(place));
+        });
     }
 
   private:
@@ -202,10 +201,10 @@ class DirectForm final : public RowByRowForm {
     void addRow(GlowBand& band, std::int32_t y) override {
         const FloatImage& image = source().image;
         if (source().census.hasRuns()) {
-            const StampRun* end = source().census.runsEnd(y);
-            for (const StampRun* run = source().census.runsBegin(y); run != end; ++run) {
-                addRun(band, y, run->x, run->length, source().census.sizeOf(*run));
-            }
+            source().census.forEachRun(
+                y, [&](std::int32_t x, std::int32_t length, std::int32_t place) {
+                    addRun(band, y, x, length, source().census.sizeAt(place));
+                });
             return;
         }
         for (std::int32_t x = 0; x < image.width;) {

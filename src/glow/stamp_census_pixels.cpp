@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <limits>
 
 #include "glow/stamp_texels_pixels.h"
 #include "simd/kernel_table.h"
@@ -13,6 +14,7 @@ namespace {
 constexpr int kSlotBits = 13;
 constexpr std::size_t kSlots = std::size_t{1} << kSlotBits;
 constexpr std::size_t kMostSizes = kSlots / 2;
+static_assert(kMostSizes <= std::numeric_limits<std::uint16_t>::max());
 constexpr std::int32_t kNoStamp = -1;
 
 // Corners are dropped once there are some and their stamps have this share of all texels.
@@ -52,18 +54,23 @@ void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std:
 }
 
 StampCensus::StampCensus(const Splat& splat, std::int32_t width, std::int32_t height,
-                         std::int32_t channel)
+                         std::int32_t channel, std::int32_t channels)
     : splat_(splat),
       width_(width),
       height_(height),
       channel_(channel),
       // Both lists of all channels together stay below one float a pixel.
-      mostKept_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) / 32 + 64),
+      mostCorners_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) / 64 + 64),
+      mostRuns_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3 / 5 /
+                    static_cast<std::size_t>(channels) +
+                64),
       slots_(kSlots, Slot{0, kNoStamp}),
       above_(static_cast<std::size_t>(width), kNoStamp),
       row_(static_cast<std::size_t>(width), kNoStamp),
       blocksAbove_(LightBlocks(width), 0),
-      blocks_(LightBlocks(width), 0) {}
+      blocks_(LightBlocks(width), 0) {
+    runs_.reserve(mostRuns_);
+}
 
 std::size_t StampCensus::slotOf(float scale) const {
     const auto bits = std::bit_cast<std::uint32_t>(scale);
@@ -83,10 +90,11 @@ std::int32_t StampCensus::placeOf(StampSize size) {
     Slot& slot = slots_[slotOf(size.scale)];
     if (slot.place != kNoStamp) return slot.place;
     stampFloats_ += StampFloats(size);
-    if (sizes_.size() == kMostSizes || stampFloats_ * sizeof(float) > kMostStampBytes) {
+    if (sizes_.size() == kMostSizes) {
         dropSizes();
         return kNoStamp;
     }
+    if (!stampsFit()) dropCorners();
     stampTexels_ += size.texels();
     slot = {std::bit_cast<std::uint32_t>(size.scale), static_cast<std::int32_t>(sizes_.size())};
     sizes_.push_back(size);
@@ -94,11 +102,11 @@ std::int32_t StampCensus::placeOf(StampSize size) {
 }
 
 void StampCensus::dropSizes() {
-    for (StampRun& run : runs_) run.size = std::bit_cast<std::int32_t>(sizeOf(run).scale);
     hasSizes_ = false;
     slots_ = {};
     sizes_ = {};
     dropCorners();
+    dropRuns();
 }
 
 void StampCensus::dropCorners() {
@@ -118,17 +126,18 @@ void StampCensus::addRow(const float* row, const LitBlocks& blocks) {
     const int flag = 1 << channel_;
     float lastValue = 0.0f;
     StampSize size{0.0f, 0};
-    StampRun run{0, 0, kNoStamp};
+    std::int32_t place = kNoStamp;
+    std::int32_t runBegin = 0;
     const double texelsAbove = texels_;
     const double runTexelsAbove = runTexels_;
     rowReach_ = 0;
+    runsEnd_ = 0;
     std::int32_t x = 0;
     for (const std::int32_t block : blocks.places) {
         if ((blocks.flags[static_cast<std::size_t>(block)] & flag) == 0) continue;
         const std::int32_t begin = block * kLightBlock;
         if (size.reach != 0 && begin != x) {
-            run.length = x - run.x;
-            endRun(run, size);
+            endRun(runBegin, x, size, place);
             size = {0.0f, 0};
         }
         if (begin != x) lastValue = 0.0f;
@@ -139,18 +148,14 @@ void StampCensus::addRow(const float* row, const LitBlocks& blocks) {
             lastValue = value;
             const StampSize next = StampSizeOf(value, splat_);
             if (next.reach == size.reach && (next.reach == 0 || next.scale == size.scale)) continue;
-            if (size.reach != 0) {
-                run.length = x - run.x;
-                endRun(run, size);
-            }
+            if (size.reach != 0) endRun(runBegin, x, size, place);
             size = next;
-            if (size.reach != 0) run = {x, 0, hasSizes_ ? placeOf(size) : kNoStamp};
+            if (size.reach == 0) continue;
+            runBegin = x;
+            place = hasSizes_ ? placeOf(size) : kNoStamp;
         }
     }
-    if (size.reach != 0) {
-        run.length = x - run.x;
-        endRun(run, size);
-    }
+    if (size.reach != 0) endRun(runBegin, x, size, place);
     ++rows_;
     rowReaches_.push_back(rowReach_);
     rowTexels_.push_back(texels_ - texelsAbove);
@@ -171,21 +176,35 @@ void StampCensus::addRowOfCorners(const LitBlocks& blocks) {
     if (hasCorners_ && rows_ == height_) addCorners();
 }
 
-void StampCensus::endRun(StampRun& run, StampSize size) {
+void StampCensus::endRun(std::int32_t begin, std::int32_t end, StampSize size, std::int32_t place) {
     const double texels = size.texels();
-    stamps_ += run.length;
-    texels_ += run.length * texels;
+    const std::int32_t length = end - begin;
+    stamps_ += length;
+    texels_ += length * texels;
     runTexels_ += texels;
     largestScale_ = std::max(largestScale_, size.scale);
     largestReach_ = std::max(largestReach_, size.reach);
     rowReach_ = std::max(rowReach_, size.reach);
-    if (hasCorners_) std::fill_n(row_.begin() + run.x, run.length, run.size);
-    if (!hasSizes_) run.size = std::bit_cast<std::int32_t>(size.scale);
-    if (!hasRuns_) return;
-    if (runs_.size() == mostKept_) {
-        dropRuns();
-    } else {
-        runs_.push_back(run);
+    if (hasCorners_) std::fill_n(row_.begin() + begin, length, place);
+    if (hasRuns_) keepRun(begin, end, place);
+}
+
+void StampCensus::keepRun(std::int32_t begin, std::int32_t end, std::int32_t place) {
+    constexpr std::int32_t kMost = std::numeric_limits<std::uint8_t>::max();
+    std::int32_t gap = begin - runsEnd_;
+    std::int32_t length = end - begin;
+    runsEnd_ = end;
+    while (length > 0) {
+        if (runs_.size() == mostRuns_) {
+            dropRuns();
+            return;
+        }
+        const std::int32_t before = std::min(gap, kMost);
+        gap -= before;
+        const std::int32_t some = gap > 0 ? 0 : std::min(length, kMost);
+        length -= some;
+        runs_.push_back({static_cast<std::uint8_t>(before), static_cast<std::uint8_t>(some),
+                         static_cast<std::uint16_t>(place)});
     }
 }
 
@@ -200,7 +219,7 @@ void StampCensus::addCorners() {
     }
     // Not worth it where the areas are small.
     const bool small = corners_.size() > kFewCorners && cornerTexels_ > kMostCornerTexels * texels_;
-    if (corners_.size() > mostKept_ || small) {
+    if (corners_.size() > mostCorners_ || small) {
         dropCorners();
         return;
     }
@@ -256,20 +275,6 @@ const StampCorner* StampCensus::cornersBegin(std::int32_t y) const {
 }
 const StampCorner* StampCensus::cornersEnd(std::int32_t y) const {
     return corners_.data() + cornerRows_[static_cast<std::size_t>(y) + 1];
-}
-StampSize StampCensus::sizeOf(const StampRun& run) const {
-    if (hasSizes_) return sizes_[static_cast<std::size_t>(run.size)];
-    const auto scale = std::bit_cast<float>(run.size);
-    const std::int32_t limit = splat_.maxRadius;
-    if (scale >= static_cast<float>(limit)) return {scale, limit};
-    return {scale, static_cast<std::int32_t>(scale) + 1};
-}
-
-const StampRun* StampCensus::runsBegin(std::int32_t y) const {
-    return runs_.data() + runRows_[static_cast<std::size_t>(y)];
-}
-const StampRun* StampCensus::runsEnd(std::int32_t y) const {
-    return runs_.data() + runRows_[static_cast<std::size_t>(y) + 1];
 }
 
 }  // namespace vireon

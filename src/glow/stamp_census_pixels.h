@@ -27,11 +27,12 @@ struct LitBlocks {
 void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std::int32_t y,
                 const Splat& splat, const ChannelFlags& channels, LitBlocks& blocks);
 
-/// Neighbouring pixels of a row that make stamps of one size.
+/// Neighbouring pixels of a row that make stamps of one size. Of a long gap or run there are
+/// several.
 struct StampRun {
-    std::int32_t x;
-    std::int32_t length;
-    std::int32_t size;  ///< place of its size in the census, or without sizes its scale's bits
+    std::uint8_t gap;     ///< pixels without a stamp before it
+    std::uint8_t length;  ///< pixels, 0 for a part of a gap
+    std::uint16_t size;   ///< place of its size in the census
 };
 
 /// Where the areas of one size have a corner: the sum of these, over all corners above and to the
@@ -47,7 +48,9 @@ class StampCensus {
   public:
     /// \param width, height  of the source
     /// \param channel  which is looked at
-    StampCensus(const Splat& splat, std::int32_t width, std::int32_t height, std::int32_t channel);
+    /// \param channels  that are looked at in all, which share the memory
+    StampCensus(const Splat& splat, std::int32_t width, std::int32_t height, std::int32_t channel,
+                std::int32_t channels);
 
     /// Takes in the next row, from the top.
     /// \param row  its first pixel
@@ -70,8 +73,8 @@ class StampCensus {
     float largestScale() const { return largestScale_; }
     std::int32_t largestReach() const { return largestReach_; }
 
-    /// Whether the stamps of all sizes fit the cache. Without, there are no sizes and no corners.
-    bool hasSizes() const { return hasSizes_; }
+    /// Whether the stamps of all sizes fit the cache.
+    bool hasSizes() const { return hasSizes_ && stampsFit(); }
     const std::vector<StampSize>& sizes() const { return sizes_; }
     /// Floats that the stamps of all sizes take.
     std::size_t stampFloats() const { return stampFloats_; }
@@ -81,7 +84,7 @@ class StampCensus {
 
     /// Whether there are few enough corners, that is large enough areas, to keep them; they are
     /// complete after the last row.
-    bool hasCorners() const { return hasSizes_ && hasCorners_; }
+    bool hasCorners() const { return hasSizes() && hasCorners_; }
     double corners() const { return static_cast<double>(corners_.size()); }
     double cornerTexels() const { return cornerTexels_; }
     /// Corners of a row, 0 to height, included.
@@ -90,9 +93,20 @@ class StampCensus {
 
     /// Whether there are few enough runs to keep them.
     bool hasRuns() const { return hasRuns_; }
-    const StampRun* runsBegin(std::int32_t y) const;
-    const StampRun* runsEnd(std::int32_t y) const;
-    StampSize sizeOf(const StampRun& run) const;
+    /// Calls visit(x, length, place of the size) for the runs of a row, from the left.
+    template <typename Visit>
+    void forEachRun(std::int32_t y, Visit visit) const {
+        const StampRun* const end = runs_.data() + runRows_[static_cast<std::size_t>(y) + 1];
+        std::int32_t x = 0;
+        for (const StampRun* run = runs_.data() + runRows_[static_cast<std::size_t>(y)]; run != end;
+             ++run) {
+            x += run->gap;
+            if (run->length != 0) visit(x, std::int32_t{run->length}, std::int32_t{run->size});
+            x += run->length;
+        }
+    }
+    /// The size at a place that a run names.
+    StampSize sizeAt(std::int32_t place) const { return sizes_[static_cast<std::size_t>(place)]; }
 
     /// Give back what a form does not need.
     void dropCorners();
@@ -107,7 +121,9 @@ class StampCensus {
 
     std::size_t slotOf(float scale) const;
     std::int32_t placeOf(StampSize size);
-    void endRun(StampRun& run, StampSize size);
+    bool stampsFit() const;
+    void endRun(std::int32_t begin, std::int32_t end, StampSize size, std::int32_t place);
+    void keepRun(std::int32_t begin, std::int32_t end, std::int32_t place);
     void addRowOfCorners(const LitBlocks& blocks);
     void addCorners();
     void addCornersOfBlock(std::int32_t begin);
@@ -116,7 +132,8 @@ class StampCensus {
     std::int32_t width_;
     std::int32_t height_;
     std::int32_t channel_;
-    std::size_t mostKept_;
+    std::size_t mostCorners_;
+    std::size_t mostRuns_;
     double stamps_ = 0.0;
     double texels_ = 0.0;
     double runTexels_ = 0.0;
@@ -130,6 +147,7 @@ class StampCensus {
     bool hasRuns_ = true;
     std::int32_t rows_ = 0;
     std::int32_t rowReach_ = 0;  ///< of the row that is taken in
+    std::int32_t runsEnd_ = 0;   ///< right of the row's last run that is kept
     std::vector<std::int32_t> rowReaches_;
     std::vector<double> rowTexels_;
     std::vector<double> rowRunTexels_;
@@ -148,5 +166,9 @@ class StampCensus {
 
 /// Memory that the stamps of one channel may take together.
 inline constexpr std::size_t kMostStampBytes = std::size_t{8} << 20;
+
+inline bool StampCensus::stampsFit() const {
+    return stampFloats_ * sizeof(float) <= kMostStampBytes;
+}
 
 }  // namespace vireon

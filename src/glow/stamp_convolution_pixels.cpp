@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 #include "simd/kernel_table.h"
@@ -46,10 +47,12 @@ StampConvolution::StampConvolution(const simd::KernelTable& kernels, const Float
       streams_(static_cast<std::ptrdiff_t>(destination.width) * destination.height * kChannels *
                    static_cast<std::ptrdiff_t>(sizeof(float)) >
                kStreamedBytes) {
+    const auto enabled = static_cast<std::int32_t>(
+        std::count(std::begin(channels.enabled), std::end(channels.enabled), true));
     for (std::int32_t c = 0; c < kChannels; ++c) {
-        if (channels_.enabled[c]) {
-            work_[c].census = std::make_unique<StampCensus>(splat, source.width, source.height, c);
-        }
+        if (!channels_.enabled[c]) continue;
+        work_[c].census =
+            std::make_unique<StampCensus>(splat, source.width, source.height, c, enabled);
     }
 }
 
