@@ -135,6 +135,16 @@ TEST_P(TentBlurKernels, RadiiAcrossTheImageAndLinesLongerThanAStrip) {
     }
 }
 
+TEST_P(TentBlurKernels, RowsLongerThanTheStripOfABand) {
+    // The rows that are gathered together and the ones left over, in both strips.
+    for (const std::int32_t radius : {3, 17, 18}) {
+        for (const std::int32_t channels : {kColours, kAllChannels, 2}) {
+            check(2063, 45, radius, channels, LightData::kRandom);
+            check(2063, 45, radius, channels, LightData::kNoNumber);
+        }
+    }
+}
+
 TEST_P(TentBlurKernels, PartOfAPictureLeavesTheRestAlone) {
     for (const bool bottomUp : {false, true}) {
         Picture source(40, 30, 1, bottomUp);
