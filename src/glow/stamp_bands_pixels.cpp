@@ -1,6 +1,7 @@
 #include "glow/stamp_bands_pixels.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <optional>
 #include <utility>
@@ -263,11 +264,14 @@ class DirectForm final : public RowByRowForm {
 
 // No texel is larger; the rounding of its interpolation included.
 double LargestTexel(const Splat& splat) {
-    double largest = 0.0;
+    // As whole numbers magnitudes have the order of their values, and vectors compare them.
+    std::int32_t largest = 0;
     for (const float texel : splat.kernel->values) {
-        largest = std::max(largest, std::fabs(static_cast<double>(texel)));
+        const std::int32_t magnitude = std::bit_cast<std::int32_t>(texel) & 0x7fffffff;
+        largest = std::max(largest, magnitude);
     }
-    return largest * std::fabs(static_cast<double>(splat.weight)) * 1.00001;
+    return static_cast<double>(std::bit_cast<float>(largest)) *
+           std::fabs(static_cast<double>(splat.weight)) * 1.00001;
 }
 
 class RunsForm final : public BandForm {
