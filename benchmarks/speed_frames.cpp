@@ -133,7 +133,9 @@ class Libraries {
         const fs::path folder = work_ / simd::LevelName(level);
         fs::create_directories(folder);
         const fs::path copy = (folder / plugin_.filename()).make_preferred();
-        fs::copy_file(plugin_, copy, fs::copy_options::overwrite_existing);
+        // Removed first: MinGW's library never overwrites a file, whatever it is asked for.
+        fs::remove(copy);
+        fs::copy_file(plugin_, copy);
         SetVariable(simd::kLevelVariable, simd::LevelName(level));
         const auto& library = libraries_.emplace(level, copy.string()).first->second;
         // The level is found out by the first frame that has light, and stays.
