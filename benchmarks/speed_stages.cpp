@@ -283,8 +283,9 @@ std::vector<SpeedRow> MeasureStages(const StageOptions& options,
         scenes::DrawNightCity(kReducedWidth, kReducedHeight, LightRange::kDisplay);
     const Canvas noise = scenes::DrawNoise(kReducedWidth, kReducedHeight);
     StageTable table(options, night);
-    // So few stamps that reading the light and writing the glow take most of the time: the ratio
-    // that has to be reached is that of a picture which glows all over, as it is for noise.
+    // So few stamps that reading the light, finding the lights and writing the glow take more than
+    // half of the time: the ratio that has to be reached is that of a picture which glows all over,
+    // as it is for noise.
     table.convolution({"convolution, bright lights, 1:1, radius 50", night, Depth::k8,
                        kDefaultThreshold, 50.0, std::nullopt,
                        "the night city above the default threshold; ", true});

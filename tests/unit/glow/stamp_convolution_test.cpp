@@ -424,11 +424,76 @@ TEST(StampConvolution, FewLightsFarApartInPicturesOfSeveralBands) {
     }
 }
 
-// Of the higher picture rows are kept from band to band, of the other one they are read again.
+TEST(StampConvolution, ShortRunsEverywhereInPicturesOfSeveralBands) {
+    Random random(17);
+    const GlowKernel kernel = RandomKernel(random, 12, 12);
+    const ChannelFlags channels{{false, false, true, false}};
+    Picture source(1501, 300);
+    for (std::int32_t y = 0; y < source.height(); ++y) {
+        for (std::int32_t x = 0; x < source.width();) {
+            const float value = static_cast<float>(random.whole(0, 50)) / 50.0f;
+            const std::int32_t end = std::min(x + random.whole(1, 9), source.width());
+            for (; x < end; ++x) source.at(x, y, kGreen) = value;
+        }
+    }
+    const Splat splat = SplatOf(kernel, 3.0f);
+    const Picture plain = PlainGlow(source, splat, channels);
+    for (const Form form : {Form::kCache, Form::kDirect}) {
+        for (const simd::Level level : FastLevels()) {
+            const Fast fast = FastGlow(level, form, source, splat, channels);
+            EXPECT_EQ(fast.report.channels[kGreen].form, form);
+            EXPECT_TRUE(SameBits(fast.glow, plain))
+                << FormName(form) << ' ' << simd::LevelName(level);
+        }
+    }
+}
+
+// A kept run holds its length and the gap before it in a byte each.
+TEST(StampConvolution, RunsAndGapsOfAnyLength) {
+    Random random(18);
+    const GlowKernel kernel = RandomKernel(random, 9, 9);
+    const ChannelFlags channels{{false, false, false, true}};
+    const std::int32_t lengths[] = {1, 8, 254, 255, 256, 257, 509, 510, 511, 765, 766, 1020};
+    Picture source(2300, 144);
+    std::int32_t y = 0;
+    for (const std::int32_t gap : lengths) {
+        for (const std::int32_t run : lengths) {
+            for (std::int32_t i = 0; i < run; ++i) {
+                source.at(gap + i, y, kBlue) = 0.8f;
+                if (gap + run + gap + i < source.width()) {
+                    source.at(gap + run + gap + i, y, kBlue) = 0.5f;
+                }
+            }
+            ++y;
+        }
+    }
+    ASSERT_EQ(y, source.height());
+    const auto check = [&](const Picture& picture, float radius, Form form) {
+        const Splat splat = SplatOf(kernel, radius);
+        const Picture plain = PlainGlow(picture, splat, channels);
+        for (const simd::Level level : FastLevels()) {
+            const Fast fast = FastGlow(level, form, picture, splat, channels);
+            EXPECT_EQ(fast.report.channels[kBlue].form, form);
+            EXPECT_TRUE(SameBits(fast.glow, plain))
+                << FormName(form) << ' ' << simd::LevelName(level) << ' ' << radius;
+        }
+    };
+    check(source, 2.6f, Form::kCache);
+    check(source, 2.6f, Form::kDirect);
+    // Stamps too large for the cache.
+    Picture few(source.width(), 3);
+    ForEachFloat(few, [&](std::int32_t x, std::int32_t row, std::int32_t c) {
+        few.at(x, row, c) = source.at(x, 12 * row + 9, c);
+    });
+    check(few, 900.0f, Form::kDirect);
+}
+
+// Too many runs to be kept. Of the higher picture rows are kept from band to band, of the other
+// one they are read again.
 TEST(StampConvolution, NoiseInPicturesOfSeveralBands) {
     Random random(16);
     const GlowKernel kernel = RandomKernel(random, 12, 12);
-    const ChannelFlags channels{{false, false, true, false}};
+    const ChannelFlags channels{{false, false, true, true}};
     for (const std::int32_t height : {300, 800}) {
         Picture source(1501, height);
         for (std::int32_t y = 0; y < height; ++y) {
