@@ -168,7 +168,7 @@ class StampCensus {
 inline constexpr std::size_t kMostStampBytes = std::size_t{8} << 20;
 
 inline bool StampCensus::stampsFit() const {
-    return stampFloats_ * sizeof(float) <= kMostStampBytes;
+    return stampFloats_ <= kMostStampBytes / sizeof(float);
 }
 
 }  // namespace vireon
