@@ -7,6 +7,7 @@ const char* FormName(ConvolutionForm form) {
         case ConvolutionForm::kNone: return "none";
         case ConvolutionForm::kPlain: return "plain";
         case ConvolutionForm::kCache: return "stamp cache";
+        case ConvolutionForm::kRunCache: return "run cache";
         case ConvolutionForm::kDirect: return "direct";
         case ConvolutionForm::kRuns: return "runs";
         case ConvolutionForm::kRanges: return "ranges";

@@ -6,15 +6,16 @@ namespace vireon {
 
 /// How the stamps of one channel are added up.
 enum class ConvolutionForm {
-    kNone,    ///< not at all: the channel is off or has no light that makes a stamp
-    kPlain,   ///< `SplatRow`
-    kCache,   ///< every size's stamp is evaluated once; the bits of the plain form
+    kNone,      ///< not at all: the channel is off or has no light that makes a stamp
+    kPlain,     ///< `SplatRow`
+    kCache,     ///< every size's stamp is evaluated once; the bits of the plain form
+    kRunCache,  ///< the same, but for short runs of equal stamps that recur: they are summed once
     kDirect,  ///< every stamp, or run of equal ones, is evaluated anew; the bits of the plain form
     kRuns,    ///< by the corners of areas of equal light, exact but for the last rounding
     kRanges,  ///< by size, where many stamps of nearly one size share a quadratic
 };
 
-/// "none", "plain", "stamp cache", "direct", "runs" or "ranges".
+/// "none", "plain", "stamp cache", "run cache", "direct", "runs" or "ranges".
 const char* FormName(ConvolutionForm form);
 
 /// What a convolution did, channel by channel.

@@ -72,17 +72,15 @@ class RowByRowForm : public BandForm {
     StampSource source_;
 };
 
-// Where the stamps of the source's pixels lie in a cache, for some rows at a time: bands that
+// The places of the sizes of the source's pixels in the census, for some rows at a time: bands that
 // follow each other look at the same rows.
 class StampPlaces {
   public:
     static constexpr std::int16_t kNone = -1;
 
-    /// \param places  in the cache, of the census's sizes
     /// \param rows  that are kept
-    StampPlaces(const StampSource& source, std::vector<std::int32_t> places, std::int32_t rows)
+    StampPlaces(const StampSource& source, std::int32_t rows)
         : source_(source),
-          places_(std::move(places)),
           width_(static_cast<std::size_t>(source.image.width)),
           kept_(static_cast<std::size_t>(rows), kNoRow),
           values_(kept_.size() * width_) {}
@@ -106,17 +104,13 @@ class StampPlaces {
         for (std::size_t x = 0; x < width_; ++x, value += kChannels) {
             if (*value != last) {
                 last = *value;
-                const std::int32_t size = source_.census.sizeOf(last);
-                place = size < 0
-                            ? kNone
-                            : static_cast<std::int16_t>(places_[static_cast<std::size_t>(size)]);
+                place = static_cast<std::int16_t>(source_.census.sizeOf(last));
             }
             row[x] = place;
         }
     }
 
     StampSource source_;
-    std::vector<std::int32_t> places_;
     std::size_t width_;
     std::vector<std::int32_t> kept_;  ///< which row each place holds
     std::vector<std::int16_t> values_;
@@ -124,13 +118,17 @@ class StampPlaces {
 
 class CacheForm final : public RowByRowForm {
   public:
-    CacheForm(const StampSource& source, StampCache& cache, std::int32_t bandRows)
-        : RowByRowForm(source), cache_(cache), places_(cache.add(source.census.sizes())) {
+    CacheForm(const StampSource& source, StampCache& cache, std::int32_t bandRows, bool sumsRuns)
+        : RowByRowForm(source),
+          cache_(cache),
+          places_(cache.add(source.census.sizes())),
+          sumsRuns_(sumsRuns) {
+        if (sumsRuns) cache.reserveRuns(source.census.runFloats());
         if (source.census.hasRuns()) return;
         // Half a byte a pixel of each channel, at most.
         const std::int32_t reached = bandRows + 2 * source.census.largestReach();
         const std::int32_t kept = reached <= source.image.height / 4 ? reached : 1;
-        rows_.emplace(source, places_, kept);
+        rows_.emplace(source, kept);
     }
 
   protected:
@@ -142,8 +140,7 @@ class CacheForm final : public RowByRowForm {
             return;
         }
         source().census.forEachRun(y, [&](std::int32_t x, std::int32_t length, std::int32_t size) {
-            const std::int32_t place = places_[static_cast<std::size_t>(size)];
-            addRun(band, y, x, length, cache_.stamp(place));
+            addRun(band, y, x, length, size);
         });
     }
 
@@ -156,17 +153,33 @@ class CacheForm final : public RowByRowForm {
             do ++x;
             while (x < width && places[x] == place);
             if (place == StampPlaces::kNone) continue;
-            addRun(band, y, begin, x - begin, cache_.stamp(place));
+            addRun(band, y, begin, x - begin, place);
         }
     }
 
     void addRun(GlowBand& band, std::int32_t y, std::int32_t x, std::int32_t run,
-                const StampBox& box) const {
+                std::int32_t size) {
+        const std::int32_t place = places_[static_cast<std::size_t>(size)];
+        while (run > 0) {
+            const std::int32_t copies = std::min(run, kMostCopies);
+            if (sumsRuns_ && source().census.isRecurring(size, copies)) {
+                addCopies(band, y, x, 1, cache_.run(place, copies));
+            } else {
+                addCopies(band, y, x, copies, cache_.stamp(place));
+            }
+            x += copies;
+            run -= copies;
+        }
+    }
+
+    void addCopies(GlowBand& band, std::int32_t y, std::int32_t x, std::int32_t copies,
+                   const StampBox& box) const {
         const std::int32_t top = std::max(y + box.firstRow, band.firstRow);
         const std::int32_t bottom =
             std::min(y + box.firstRow + box.rows, band.firstRow + band.rows);
         if (top >= bottom) return;
-        band.touch(top, bottom, x + box.firstColumn, x + run - 1 + box.firstColumn + box.columns);
+        band.touch(top, bottom, x + box.firstColumn,
+                   x + copies - 1 + box.firstColumn + box.columns);
         simd::StampSpan span{};
         span.plane = band.row(top);
         span.planeStride = band.stride;
@@ -174,19 +187,15 @@ class CacheForm final : public RowByRowForm {
         span.texelStride = box.stride;
         span.rows = bottom - top;
         span.columns = box.columns;
+        span.left = x + box.firstColumn;
         span.width = band.width;
-        while (run > 0) {
-            const std::int32_t copies = std::min(run, kMostCopies);
-            span.left = x + box.firstColumn;
-            source().kernels.stamps.addCopies(span, copies);
-            x += copies;
-            run -= copies;
-        }
+        source().kernels.stamps.addCopies(span, copies);
     }
 
     StampCache& cache_;
     std::vector<std::int32_t> places_;  ///< in the cache, of the census's sizes
-    std::optional<StampPlaces> rows_;   ///< where the census has kept no runs
+    bool sumsRuns_;
+    std::optional<StampPlaces> rows_;  ///< where the census has kept no runs
 };
 
 class DirectForm final : public RowByRowForm {
@@ -391,7 +400,12 @@ std::ptrdiff_t BandStride(std::int32_t width) {
 
 std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source, StampCache& cache,
                                         std::int32_t bandRows) {
-    return std::make_unique<CacheForm>(source, cache, bandRows);
+    return std::make_unique<CacheForm>(source, cache, bandRows, false);
+}
+
+std::unique_ptr<BandForm> MakeRunCacheForm(const StampSource& source, StampCache& cache,
+                                           std::int32_t bandRows) {
+    return std::make_unique<CacheForm>(source, cache, bandRows, true);
 }
 
 std::unique_ptr<BandForm> MakeDirectForm(const StampSource& source) {

@@ -98,6 +98,12 @@ class BandForm {
 std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source, StampCache& cache,
                                         std::int32_t bandRows);
 
+/// The same, but the stamps of every recurring run are summed once and added as one. Needs the
+/// census's sums of runs.
+/// \throws std::bad_alloc
+std::unique_ptr<BandForm> MakeRunCacheForm(const StampSource& source, StampCache& cache,
+                                           std::int32_t bandRows);
+
 /// Every run of equal stamps is evaluated row by row and added in the source's order, which gives
 /// the bits of `SplatRow`.
 std::unique_ptr<BandForm> MakeDirectForm(const StampSource& source);

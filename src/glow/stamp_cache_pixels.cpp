@@ -36,4 +36,13 @@ const StampBox& StampCache::make(std::size_t place) {
     return boxes_[place];
 }
 
+StampBox StampCache::makeRun(std::int32_t place, std::int32_t copies) {
+    if (!runMemory_) runMemory_ = std::make_unique_for_overwrite<float[]>(runFloats_);
+    float* const memory = runMemory_.get() + runsUsed_;
+    const std::size_t floats = RunFloats(sizes_[static_cast<std::size_t>(place)], copies);
+    runsUsed_ += floats;
+    std::fill_n(memory, floats, 0.0f);
+    return SumRun(kernels_, stamp(place), copies, memory);
+}
+
 }  // namespace vireon

@@ -24,6 +24,7 @@ constexpr double kMostCornerTexels = 0.5;
 }  // namespace
 
 using simd::kLightBlock;
+using simd::kMostCopies;
 
 std::size_t LightBlocks(std::int32_t width) {
     return static_cast<std::size_t>(width / kLightBlock) + 1;
@@ -98,6 +99,7 @@ std::int32_t StampCensus::placeOf(StampSize size) {
     stampTexels_ += size.texels();
     slot = {std::bit_cast<std::uint32_t>(size.scale), static_cast<std::int32_t>(sizes_.size())};
     sizes_.push_back(size);
+    runCounts_.resize(sizes_.size() * kMostCopies);
     return slot.place;
 }
 
@@ -105,6 +107,7 @@ void StampCensus::dropSizes() {
     hasSizes_ = false;
     slots_ = {};
     sizes_ = {};
+    runCounts_ = {};
     dropCorners();
     dropRuns();
 }
@@ -187,6 +190,20 @@ void StampCensus::endRun(std::int32_t begin, std::int32_t end, StampSize size, s
     rowReach_ = std::max(rowReach_, size.reach);
     if (hasCorners_) std::fill_n(row_.begin() + begin, length, place);
     if (hasRuns_) keepRun(begin, end, place);
+    if (place == kNoStamp) return;
+    if (length >= kMostCopies) countRuns(kMostCopies, length / kMostCopies, size, place);
+    if (length % kMostCopies > 1) countRuns(length % kMostCopies, 1, size, place);
+}
+
+void StampCensus::countRuns(std::int32_t length, std::int32_t times, StampSize size,
+                            std::int32_t place) {
+    std::int32_t& count = runCounts_[runIndex(place, length)];
+    const bool didRecur = count >= kFewestRecurring;
+    count += times;
+    if (count < kFewestRecurring) return;
+    if (!didRecur) runFloats_ += RunFloats(size, length);
+    const auto spared = static_cast<double>(didRecur ? times : count);
+    sparedTexels_ += spared * (length - 1) * size.texels();
 }
 
 void StampCensus::keepRun(std::int32_t begin, std::int32_t end, std::int32_t place) {

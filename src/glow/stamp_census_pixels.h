@@ -6,6 +6,7 @@
 
 #include "glow/stamp_geometry_pixels.h"
 #include "image/float_image.h"
+#include "simd/stamp_kernels.h"
 
 namespace vireon {
 
@@ -82,6 +83,17 @@ class StampCensus {
     /// Place of a value's size, -1 when it makes no stamp. The value was in the source.
     std::int32_t sizeOf(float value) const;
 
+    /// Whether runs of a size's place and of a length, 1 to `simd::kMostCopies`, recur so often
+    /// that their stamps are worth being summed once. Longer runs count as several.
+    bool isRecurring(std::int32_t place, std::int32_t length) const {
+        return length > 1 && runCounts_[runIndex(place, length)] >= kFewestRecurring;
+    }
+    /// Floats that the sums of all recurring runs take, and whether they are few enough.
+    std::size_t runFloats() const { return runFloats_; }
+    bool hasRunSums() const;
+    /// Texels that need not be added when these sums are.
+    double sparedTexels() const { return sparedTexels_; }
+
     /// Whether there are few enough corners, that is large enough areas, to keep them; they are
     /// complete after the last row.
     bool hasCorners() const { return hasSizes() && hasCorners_; }
@@ -119,10 +131,17 @@ class StampCensus {
         std::int32_t place;
     };
 
+    static constexpr std::int32_t kFewestRecurring = 16;
+
+    static std::size_t runIndex(std::int32_t place, std::int32_t length) {
+        return static_cast<std::size_t>(place) * simd::kMostCopies +
+               static_cast<std::size_t>(length - 1);
+    }
     std::size_t slotOf(float scale) const;
     std::int32_t placeOf(StampSize size);
     bool stampsFit() const;
     void endRun(std::int32_t begin, std::int32_t end, StampSize size, std::int32_t place);
+    void countRuns(std::int32_t length, std::int32_t times, StampSize size, std::int32_t place);
     void keepRun(std::int32_t begin, std::int32_t end, std::int32_t place);
     void addRowOfCorners(const LitBlocks& blocks);
     void addCorners();
@@ -139,9 +158,11 @@ class StampCensus {
     double runTexels_ = 0.0;
     double cornerTexels_ = 0.0;
     double stampTexels_ = 0.0;
+    double sparedTexels_ = 0.0;
     float largestScale_ = 0.0f;
     std::int32_t largestReach_ = 0;
     std::size_t stampFloats_ = 0;
+    std::size_t runFloats_ = 0;
     bool hasSizes_ = true;
     bool hasCorners_ = true;
     bool hasRuns_ = true;
@@ -153,7 +174,8 @@ class StampCensus {
     std::vector<double> rowRunTexels_;
     std::vector<Slot> slots_;
     std::vector<StampSize> sizes_;
-    std::vector<std::int32_t> above_;  ///< places of the row before, -1 for no stamp
+    std::vector<std::int32_t> runCounts_;  ///< of each size and length
+    std::vector<std::int32_t> above_;      ///< places of the row before, -1 for no stamp
     std::vector<std::int32_t> row_;
     std::vector<std::uint8_t> blocksAbove_;
     std::vector<std::uint8_t> blocks_;
@@ -166,6 +188,14 @@ class StampCensus {
 
 /// Memory that the stamps of one channel may take together.
 inline constexpr std::size_t kMostStampBytes = std::size_t{8} << 20;
+
+/// The same of the sums of its recurring runs. More of them would not stay in a processor's cache,
+/// and adding them would take longer than adding the stamps.
+inline constexpr std::size_t kMostRunBytes = std::size_t{2} << 20;
+
+inline bool StampCensus::hasRunSums() const {
+    return hasSizes() && runFloats_ <= kMostRunBytes / sizeof(float);
+}
 
 inline bool StampCensus::stampsFit() const {
     return stampFloats_ <= kMostStampBytes / sizeof(float);

@@ -26,6 +26,8 @@ constexpr double kIntegrateCost = 15.0;
 constexpr double kQuadraticCost = 2.5;
 constexpr double kCoefficientsCost = 60.0;
 constexpr double kWriteCost = 10.0;
+constexpr double kSparedCost = 0.35;
+constexpr double kSumRunCost = 4.0;
 
 // Below this many texels a pixel the sums of ranges have no fewer roundings than plain ones.
 constexpr double kFewestTexelsOfRanges = 8.0;
@@ -106,8 +108,8 @@ ConvolutionForm StampConvolution::choose(const StampCensus& census) const {
     if (census.stamps() == 0.0) return ConvolutionForm::kNone;
     if (forced_ && std::isfinite(costOf(census, *forced_))) return *forced_;
     ConvolutionForm best = ConvolutionForm::kDirect;
-    for (const ConvolutionForm form :
-         {ConvolutionForm::kCache, ConvolutionForm::kRuns, ConvolutionForm::kRanges}) {
+    for (const ConvolutionForm form : {ConvolutionForm::kCache, ConvolutionForm::kRunCache,
+                                       ConvolutionForm::kRuns, ConvolutionForm::kRanges}) {
         const double pixels = static_cast<double>(source_.width) * source_.height;
         if (form == ConvolutionForm::kRanges && census.texels() < kFewestTexelsOfRanges * pixels) {
             continue;
@@ -125,6 +127,10 @@ double StampConvolution::costOf(const StampCensus& census, ConvolutionForm form)
         case ConvolutionForm::kCache:
             if (!census.hasSizes()) return kNever;
             return census.texels() + kEvaluateCost * census.stampTexels();
+        case ConvolutionForm::kRunCache:
+            if (!census.hasRunSums()) return kNever;
+            return costOf(census, ConvolutionForm::kCache) - kSparedCost * census.sparedTexels() +
+                   kSumRunCost * static_cast<double>(census.runFloats());
         case ConvolutionForm::kDirect: return census.texels() + kEvaluateCost * census.runTexels();
         case ConvolutionForm::kRuns:
             if (!census.hasCorners() || !runsAreExact_) return kNever;
@@ -164,6 +170,9 @@ void StampConvolution::startForms() {
         switch (form) {
             case ConvolutionForm::kCache:
                 work.form = MakeCacheForm(sourceOf(c), *cache_, bandRows_);
+                break;
+            case ConvolutionForm::kRunCache:
+                work.form = MakeRunCacheForm(sourceOf(c), *cache_, bandRows_);
                 break;
             case ConvolutionForm::kDirect: work.form = MakeDirectForm(sourceOf(c)); break;
             case ConvolutionForm::kRuns: work.form = MakeRunsForm(sourceOf(c)); break;

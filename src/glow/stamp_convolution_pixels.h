@@ -16,8 +16,8 @@ namespace vireon {
 /// The general splat of a whole image in parts. It looks at the source first and chooses for each
 /// channel how its stamps are added; the choice depends on pixels and settings alone.
 ///
-/// Besides tables of constant size, and `kMostStampBytes` of stamps a channel, it takes at most one
-/// float a pixel.
+/// Besides tables of constant size, and `kMostStampBytes` of stamps and `kMostRunBytes` of sums of
+/// them a channel, it takes at most one float a pixel.
 class StampConvolution {
   public:
     /// Source and destination are float images of the same size that do not overlap. Refers to the

@@ -6,6 +6,17 @@
 #include "simd/kernel_table.h"
 
 namespace vireon {
+namespace {
+
+// A run is added as one copy, which reads less than a vector beyond the ends of its rows.
+constexpr std::ptrdiff_t kRunMargin = simd::kPlaneBlock;
+static_assert(kRunMargin <= simd::kStampMargin);
+
+std::ptrdiff_t RunStride(std::int32_t columns, std::int32_t copies) {
+    return columns + copies - 1 + kRunMargin;
+}
+
+}  // namespace
 
 StampTexels::StampTexels(const simd::KernelTable& kernels, const Splat& splat)
     : kernels_(kernels),
@@ -90,6 +101,24 @@ StampBox MakeStamp(StampTexels& texels, StampSize size, float* memory) {
     box.firstColumn = left - size.reach;
     box.columns = right - left + 1;
     return box;
+}
+
+std::size_t RunFloats(StampSize size, std::int32_t copies) {
+    const std::ptrdiff_t stride = RunStride(size.side(), copies);
+    return static_cast<std::size_t>(stride * size.side() + kRunMargin);
+}
+
+StampBox SumRun(const simd::KernelTable& kernels, const StampBox& stamp, std::int32_t copies,
+                float* memory) {
+    StampBox run = stamp;
+    run.columns = stamp.columns + copies - 1;
+    run.stride = RunStride(stamp.columns, copies);
+    run.texels = memory + kRunMargin;
+    for (std::int32_t y = 0; y < run.rows; ++y) {
+        kernels.stamps.sumCopies(stamp.texels + y * stamp.stride, copies,
+                                 memory + kRunMargin + y * run.stride, run.columns);
+    }
+    return run;
 }
 
 }  // namespace vireon

@@ -54,4 +54,13 @@ std::size_t StampFloats(StampSize size);
 /// Evaluates a whole stamp into `memory` of `StampFloats` zeros.
 StampBox MakeStamp(StampTexels& texels, StampSize size, float* memory);
 
+/// Floats that the sum of stamps of a size at so many neighbouring columns takes with its margins.
+std::size_t RunFloats(StampSize size, std::int32_t copies);
+
+/// Adds up a stamp at so many neighbouring columns, 1 to `simd::kMostCopies`, into `memory` of
+/// `RunFloats` zeros. Each sum is rounded once. The box's columns are counted from the centre of
+/// the leftmost.
+StampBox SumRun(const simd::KernelTable& kernels, const StampBox& stamp, std::int32_t copies,
+                float* memory);
+
 }  // namespace vireon

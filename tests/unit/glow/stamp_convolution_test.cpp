@@ -27,7 +27,8 @@ namespace {
 
 using Form = ConvolutionForm;
 
-constexpr Form kForms[] = {Form::kCache, Form::kDirect, Form::kRuns, Form::kRanges};
+constexpr Form kForms[] = {Form::kCache, Form::kRunCache, Form::kDirect, Form::kRuns,
+                           Form::kRanges};
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 std::vector<simd::Level> FastLevels() {
@@ -178,8 +179,8 @@ constexpr double kDoubleRounding = 1e-12;
 
 /// Every form at every level against the plain form: the same bits at all levels, those of the
 /// plain form from the cache and from the direct form. Runs are no further from the exact sum than
-/// plain sums are; ranges lie within 1e-5 of the largest value from them. Forms that cannot be had
-/// are passed over.
+/// plain sums are; ranges and the run cache lie within 1e-5 of the largest value from them. Forms
+/// that cannot be had are passed over.
 void CheckAllForms(const Picture& source, const Splat& splat, const ChannelFlags& channels) {
     const Picture plain = PlainGlow(source, splat, channels);
     const std::vector<double> exact = ExactGlow(source, splat, channels, PlainTexels(splat));
@@ -262,6 +263,19 @@ const std::vector<Content>& Contents() {
          }},
     };
     return contents;
+}
+
+/// Green and red in runs of 1 to 9 pixels of so many values and 0.
+void PaintShortRuns(Picture& source, Random& random, std::int32_t values) {
+    source.fill(0.0f);
+    for (std::int32_t y = 0; y < source.height(); ++y) {
+        for (std::int32_t x = 0; x < source.width();) {
+            const float value =
+                static_cast<float>(random.whole(0, values)) / static_cast<float>(values);
+            const std::int32_t end = std::min(x + random.whole(1, 9), source.width());
+            for (; x < end; ++x) source.at(x, y, kGreen) = source.at(x, y, kRed) = value;
+        }
+    }
 }
 
 GlowKernel LibraryKernel() {
@@ -360,6 +374,36 @@ TEST(StampConvolution, RangesAreNoFurtherFromTheDefinitionThanPlainSums) {
     }
 }
 
+TEST(StampConvolution, TheRunCacheIsNoFurtherFromTheExactSumThanPlainSums) {
+    Random random(19);
+    const GlowKernel library = LibraryKernel();
+    const GlowKernel rough = RandomKernel(random, 64, 48);
+    const ChannelFlags channels{{false, true, true, false}};
+    for (const GlowKernel* kernel : {&library, &rough}) {
+        for (const float radius : {3.0f, 5.0f, 8.0f, 12.0f}) {
+            for (const std::int32_t values : {3, 10, 20}) {
+                const Splat splat = SplatOf(*kernel, radius);
+                Picture source(160, 110);
+                PaintShortRuns(source, random, values);
+                const std::vector<double> exact =
+                    ExactGlow(source, splat, channels, PlainTexels(splat));
+                const Picture plain = PlainGlow(source, splat, channels);
+                const Fast fast =
+                    FastGlow(simd::Level::kScalar, Form::kRunCache, source, splat, channels);
+                EXPECT_EQ(fast.report.channels[kRed].form, Form::kRunCache);
+                EXPECT_FALSE(SameBits(fast.glow, plain)) << "no run was summed";
+                EXPECT_LE(LargestDifference(fast.glow, plain), 1e-5 * LargestOf(exact));
+                EXPECT_LE(LargestError(fast.glow, exact), LargestError(plain, exact))
+                    << kernel->width << ' ' << radius << ' ' << values;
+                for (const simd::Level level : FastLevels()) {
+                    const Fast same = FastGlow(level, Form::kRunCache, source, splat, channels);
+                    EXPECT_TRUE(SameBits(same.glow, fast.glow)) << simd::LevelName(level);
+                }
+            }
+        }
+    }
+}
+
 TEST(StampConvolution, PixelsRoundTheImageAreNeitherReadNorWritten) {
     Random random(9);
     const GlowKernel kernel = RandomKernel(random, 12, 12);
@@ -429,15 +473,10 @@ TEST(StampConvolution, ShortRunsEverywhereInPicturesOfSeveralBands) {
     const GlowKernel kernel = RandomKernel(random, 12, 12);
     const ChannelFlags channels{{false, false, true, false}};
     Picture source(1501, 300);
-    for (std::int32_t y = 0; y < source.height(); ++y) {
-        for (std::int32_t x = 0; x < source.width();) {
-            const float value = static_cast<float>(random.whole(0, 50)) / 50.0f;
-            const std::int32_t end = std::min(x + random.whole(1, 9), source.width());
-            for (; x < end; ++x) source.at(x, y, kGreen) = value;
-        }
-    }
+    PaintShortRuns(source, random, 50);
     const Splat splat = SplatOf(kernel, 3.0f);
     const Picture plain = PlainGlow(source, splat, channels);
+    const std::vector<double> exact = ExactGlow(source, splat, channels, PlainTexels(splat));
     for (const Form form : {Form::kCache, Form::kDirect}) {
         for (const simd::Level level : FastLevels()) {
             const Fast fast = FastGlow(level, form, source, splat, channels);
@@ -445,6 +484,15 @@ TEST(StampConvolution, ShortRunsEverywhereInPicturesOfSeveralBands) {
             EXPECT_TRUE(SameBits(fast.glow, plain))
                 << FormName(form) << ' ' << simd::LevelName(level);
         }
+    }
+    const Fast first = FastGlow(simd::Level::kScalar, Form::kRunCache, source, splat, channels);
+    EXPECT_EQ(first.report.channels[kGreen].form, Form::kRunCache);
+    EXPECT_FALSE(SameBits(first.glow, plain)) << "no run was summed";
+    EXPECT_LE(LargestDifference(first.glow, plain), 1e-5 * LargestOf(exact));
+    EXPECT_LE(LargestError(first.glow, exact), LargestError(plain, exact));
+    for (const simd::Level level : FastLevels()) {
+        const Fast fast = FastGlow(level, Form::kRunCache, source, splat, channels);
+        EXPECT_TRUE(SameBits(fast.glow, first.glow)) << simd::LevelName(level);
     }
 }
 
@@ -579,6 +627,8 @@ TEST(StampConvolution, ChoosesByWhatTheSourceHolds) {
     EXPECT_EQ(formOf(source), Form::kRuns);
     Contents()[1].paint(source, random);
     EXPECT_EQ(formOf(source), Form::kCache);
+    PaintShortRuns(source, random, 20);
+    EXPECT_EQ(formOf(source), Form::kRunCache);
     source.randomize(random, 0.0f, 1.0f);
     EXPECT_EQ(formOf(source), Form::kRanges);
     source.randomize(random, -20.0f, 0.8f);
@@ -603,6 +653,7 @@ TEST(FormName, OfEveryForm) {
     EXPECT_STREQ(FormName(Form::kNone), "none");
     EXPECT_STREQ(FormName(Form::kPlain), "plain");
     EXPECT_STREQ(FormName(Form::kCache), "stamp cache");
+    EXPECT_STREQ(FormName(Form::kRunCache), "run cache");
     EXPECT_STREQ(FormName(Form::kDirect), "direct");
     EXPECT_STREQ(FormName(Form::kRuns), "runs");
     EXPECT_STREQ(FormName(Form::kRanges), "ranges");

@@ -102,6 +102,30 @@ TEST_P(StampKernelsOfLevel, FlagsTheChannelsOfEveryBlockThatMakeAStamp) {
     }
 }
 
+TEST_P(StampKernelsOfLevel, SumsCopiesInDoublePrecisionAndRoundsOnce) {
+    Random random(33);
+    for (std::int32_t copies = 1; copies <= simd::kMostCopies; ++copies) {
+        for (std::ptrdiff_t texels = 1; texels <= 40; ++texels) {
+            const std::ptrdiff_t columns = texels + copies - 1;
+            std::vector<float> row(
+                static_cast<std::size_t>(simd::kStampMargin + texels + simd::kStampMargin), 0.0f);
+            float* const first = row.data() + simd::kStampMargin;
+            std::generate_n(first, texels, [&] { return random.real(-0.1f, 1.0f); });
+            std::vector<float> got(static_cast<std::size_t>(columns) + 8, kCanary);
+            kernels().sumCopies(first, copies, got.data(), columns);
+            EXPECT_EQ(got.back(), kCanary);
+            for (std::ptrdiff_t i = 0; i < columns; ++i) {
+                double sum = 0.0;
+                for (std::int32_t copy = 0; copy < copies; ++copy) {
+                    sum += static_cast<double>(first[i - copy]);
+                }
+                EXPECT_EQ(got[static_cast<std::size_t>(i)], static_cast<float>(sum))
+                    << copies << " copies of " << texels << ", column " << i;
+            }
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Levels, StampKernelsOfLevel, testing::ValuesIn(KernelLevels()),
                          LevelOfTest);
 
