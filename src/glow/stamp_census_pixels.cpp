@@ -30,28 +30,36 @@ std::size_t LightBlocks(std::int32_t width) {
     return static_cast<std::size_t>(width / kLightBlock) + 1;
 }
 
-LitBlocks::LitBlocks(std::int32_t width) : flags(LightBlocks(width), 0) {
-    places.reserve(flags.size());
+LitBlocks::LitBlocks(std::int32_t width)
+    : flags(LightBlocks(width), 0), changes(LightBlocks(kStretchPixels)) {
+    places.reserve(changes.size());
 }
 
 void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std::int32_t y,
-                const Splat& splat, const ChannelFlags& channels, LitBlocks& blocks) {
+                std::int32_t begin, const Splat& splat, const ChannelFlags& channels,
+                LitBlocks& blocks) {
     std::int32_t chosen[kChannels];
     for (std::int32_t c = 0; c < kChannels; ++c) chosen[c] = channels.enabled[c] ? -1 : 0;
-    kernels.stamps.flagLights(source.row(y), source.width, splat.radius, chosen,
-                              blocks.flags.data());
+    const std::int32_t pixels = std::min(kStretchPixels, source.width - begin);
+    const auto first = static_cast<std::size_t>(begin / kLightBlock);
+    kernels.stamps.flagLights(source.pixel(begin, y), pixels, splat.radius, chosen,
+                              blocks.flags.data() + first);
     blocks.places.clear();
     // Most are dark: eight at a look.
-    const std::size_t count = blocks.flags.size();
-    for (std::size_t first = 0; first < count; first += sizeof(std::uint64_t)) {
+    const std::size_t end = first + LightBlocks(pixels);
+    for (std::size_t eight = first; eight < end; eight += sizeof(std::uint64_t)) {
         std::uint64_t flags = 0;
-        const std::size_t some = std::min(count - first, sizeof flags);
-        std::memcpy(&flags, blocks.flags.data() + first, some);
+        const std::size_t some = std::min(end - eight, sizeof flags);
+        std::memcpy(&flags, blocks.flags.data() + eight, some);
         if (flags == 0) continue;
-        for (std::size_t i = first; i < first + some; ++i) {
+        for (std::size_t i = eight; i < eight + some; ++i) {
             if (blocks.flags[i] != 0) blocks.places.push_back(static_cast<std::int32_t>(i));
         }
     }
+    blocks.any = !blocks.places.empty() || (begin > 0 && blocks.any);
+    kernels.stamps.flagChanges(source.row(y), source.width, blocks.places.data(),
+                               static_cast<std::ptrdiff_t>(blocks.places.size()),
+                               blocks.changes.data());
 }
 
 StampCensus::StampCensus(const Splat& splat, std::int32_t width, std::int32_t height,
@@ -124,62 +132,66 @@ void StampCensus::dropRuns() {
     runs_ = {};
 }
 
-void StampCensus::addRow(const float* row, const LitBlocks& blocks) {
-    const float* const values = row + channel_;
-    const int flag = 1 << channel_;
-    float lastValue = 0.0f;
-    StampSize size{0.0f, 0};
-    std::int32_t place = kNoStamp;
-    std::int32_t runBegin = 0;
-    const double texelsAbove = texels_;
-    const double runTexelsAbove = runTexels_;
-    rowReach_ = 0;
-    runsEnd_ = 0;
-    std::int32_t x = 0;
-    for (const std::int32_t block : blocks.places) {
-        if ((blocks.flags[static_cast<std::size_t>(block)] & flag) == 0) continue;
-        const std::int32_t begin = block * kLightBlock;
-        if (size.reach != 0 && begin != x) {
-            endRun(runBegin, x, size, place);
-            size = {0.0f, 0};
-        }
-        if (begin != x) lastValue = 0.0f;
-        const std::int32_t end = std::min(begin + kLightBlock, width_);
-        for (x = begin; x < end; ++x) {
-            const float value = values[static_cast<std::ptrdiff_t>(x) * kChannels];
-            if (value == lastValue) continue;  // NaN never equals and makes no stamp
-            lastValue = value;
-            const StampSize next = StampSizeOf(value, splat_);
-            if (next.reach == size.reach && (next.reach == 0 || next.scale == size.scale)) continue;
-            if (size.reach != 0) endRun(runBegin, x, size, place);
-            size = next;
+void StampCensus::addStretch(const float* row, const LitBlocks& blocks) {
+    constexpr std::uint64_t kOneChannel = 0x1111111111111111;
+    for (std::size_t i = 0; i < blocks.places.size(); ++i) {
+        const std::int32_t place = blocks.places[i];
+        if ((blocks.flags[static_cast<std::size_t>(place)] >> channel_ & 1) == 0) continue;
+        const std::int32_t begin = place * kLightBlock;
+        if (begin != blocksEnd_) endRun(blocksEnd_);
+        blocksEnd_ = std::min(begin + kLightBlock, width_);
+        // What equals a pixel without a stamp has none either, be that one of another block.
+        std::uint64_t changes = blocks.changes[i] >> channel_ & kOneChannel;
+        for (; changes != 0; changes &= changes - 1) {
+            const std::int32_t x = begin + std::countr_zero(changes) / kChannels;
+            const float value = row[static_cast<std::ptrdiff_t>(x) * kChannels + channel_];
+            const StampSize size = StampSizeOf(value, splat_);
+            if (size.reach == size_.reach && (size.reach == 0 || size.scale == size_.scale)) {
+                continue;
+            }
+            endRun(x);
+            size_ = size;
             if (size.reach == 0) continue;
-            runBegin = x;
-            place = hasSizes_ ? placeOf(size) : kNoStamp;
+            runBegin_ = x;
+            place_ = hasSizes_ ? placeOf(size) : kNoStamp;
         }
     }
-    if (size.reach != 0) endRun(runBegin, x, size, place);
+}
+
+void StampCensus::endRow(const LitBlocks& blocks) {
+    endRun(blocksEnd_);
+    blocksEnd_ = 0;
     ++rows_;
     rowReaches_.push_back(rowReach_);
-    rowTexels_.push_back(texels_ - texelsAbove);
-    rowRunTexels_.push_back(runTexels_ - runTexelsAbove);
+    rowTexels_.push_back(texels_ - texelsAbove_);
+    rowRunTexels_.push_back(runTexels_ - runTexelsAbove_);
+    rowReach_ = 0;
+    texelsAbove_ = texels_;
+    runTexelsAbove_ = runTexels_;
+    runsEnd_ = 0;
     if (hasRuns_) runRows_.push_back(runs_.size());
     if (hasCorners_) addRowOfCorners(blocks);
 }
 
 void StampCensus::addRowOfCorners(const LitBlocks& blocks) {
-    if (blocks.places.empty() && !litAbove_ && rows_ < height_) {
+    if (!blocks.any && !litAbove_ && rows_ < height_) {
         // Dark upon dark has no corners.
         cornerRows_.push_back(corners_.size());
         return;
     }
-    litAbove_ = !blocks.places.empty();
+    litAbove_ = blocks.any;
     std::copy(blocks.flags.begin(), blocks.flags.end(), blocks_.begin());
     addCorners();
     if (hasCorners_ && rows_ == height_) addCorners();
 }
 
-void StampCensus::endRun(std::int32_t begin, std::int32_t end, StampSize size, std::int32_t place) {
+// Of the run that is taken in, if there is one.
+void StampCensus::endRun(std::int32_t end) {
+    if (size_.reach == 0) return;
+    const StampSize size = size_;
+    const std::int32_t place = place_;
+    const std::int32_t begin = runBegin_;
+    size_ = {0.0f, 0};
     const double texels = size.texels();
     const std::int32_t length = end - begin;
     stamps_ += length;

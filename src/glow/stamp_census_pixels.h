@@ -17,16 +17,24 @@ struct KernelTable;
 /// Blocks of `simd::kLightBlock` pixels of a row of a width, the pixel right of it included.
 std::size_t LightBlocks(std::int32_t width);
 
-/// The blocks of a source row that may hold pixels with a stamp in a channel.
+/// The blocks of a source row that hold pixels with a stamp in a channel, and those of its stretch
+/// that was looked at last.
 struct LitBlocks {
     explicit LitBlocks(std::int32_t width);
 
-    std::vector<std::uint8_t> flags;   ///< of each of the `LightBlocks`: bit c for channel c
-    std::vector<std::int32_t> places;  ///< of those with any flag, from the left
+    std::vector<std::uint8_t> flags;     ///< of each of the `LightBlocks`: bit c for channel c
+    bool any = false;                    ///< whether any flag of the row is set
+    std::vector<std::int32_t> places;    ///< in the stretch: of those with any flag, from the left
+    std::vector<std::uint64_t> changes;  ///< of each of these; see `simd::StampKernels`
 };
 
+/// Pixels of a stretch: few enough for the next ones to arrive from memory while they are counted.
+inline constexpr std::int32_t kStretchPixels = 16 * simd::kLightBlock;
+
+/// Looks at the stretch of row y from column `begin`, a multiple of `kStretchPixels`.
 void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std::int32_t y,
-                const Splat& splat, const ChannelFlags& channels, LitBlocks& blocks);
+                std::int32_t begin, const Splat& splat, const ChannelFlags& channels,
+                LitBlocks& blocks);
 
 /// Neighbouring pixels of a row that make stamps of one size. Of a long gap or run there are
 /// several.
@@ -53,11 +61,15 @@ class StampCensus {
     StampCensus(const Splat& splat, std::int32_t width, std::int32_t height, std::int32_t channel,
                 std::int32_t channels);
 
-    /// Takes in the next row, from the top.
+    /// Takes in the next stretch of a row, from the left. Stretches without lit blocks may be left
+    /// out.
     /// \param row  its first pixel
-    /// \param blocks  of the row, see `FindLights`
     /// \throws std::bad_alloc
-    void addRow(const float* row, const LitBlocks& blocks);
+    void addStretch(const float* row, const LitBlocks& blocks);
+    /// Ends a row, the rows being taken from the top.
+    /// \param blocks  of the whole row
+    /// \throws std::bad_alloc
+    void endRow(const LitBlocks& blocks);
 
     double stamps() const { return stamps_; }
     double texels() const { return texels_; }
@@ -140,7 +152,7 @@ class StampCensus {
     std::size_t slotOf(float scale) const;
     std::int32_t placeOf(StampSize size);
     bool stampsFit() const;
-    void endRun(std::int32_t begin, std::int32_t end, StampSize size, std::int32_t place);
+    void endRun(std::int32_t end);
     void countRuns(std::int32_t length, std::int32_t times, StampSize size, std::int32_t place);
     void keepRun(std::int32_t begin, std::int32_t end, std::int32_t place);
     void addRowOfCorners(const LitBlocks& blocks);
@@ -167,6 +179,12 @@ class StampCensus {
     bool hasCorners_ = true;
     bool hasRuns_ = true;
     std::int32_t rows_ = 0;
+    StampSize size_{0.0f, 0};  ///< of the run that is taken in, of reach 0 between runs
+    std::int32_t place_ = -1;  ///< of its size
+    std::int32_t runBegin_ = 0;
+    std::int32_t blocksEnd_ = 0;  ///< right of the last lit block
+    double texelsAbove_ = 0.0;    ///< of the rows above
+    double runTexelsAbove_ = 0.0;
     std::int32_t rowReach_ = 0;  ///< of the row that is taken in
     std::int32_t runsEnd_ = 0;   ///< right of the row's last run that is kept
     std::vector<std::int32_t> rowReaches_;

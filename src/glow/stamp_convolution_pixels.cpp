@@ -80,9 +80,15 @@ void StampConvolution::advance(double share) {
 void StampConvolution::takeCensus(std::int32_t endRow) {
     if (censusRow_ >= source_.height) return;
     for (; censusRow_ < endRow; ++censusRow_) {
-        FindLights(kernels_, source_, censusRow_, splat_, channels_, blocks_);
-        for (std::int32_t c = 0; c < kChannels; ++c) {
-            if (work_[c].census) work_[c].census->addRow(source_.row(censusRow_), blocks_);
+        for (std::int32_t x = 0; x < source_.width; x += kStretchPixels) {
+            FindLights(kernels_, source_, censusRow_, x, splat_, channels_, blocks_);
+            if (blocks_.places.empty()) continue;
+            for (ChannelWork& work : work_) {
+                if (work.census) work.census->addStretch(source_.row(censusRow_), blocks_);
+            }
+        }
+        for (ChannelWork& work : work_) {
+            if (work.census) work.census->endRow(blocks_);
         }
     }
     if (censusRow_ == source_.height) {

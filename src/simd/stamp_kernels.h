@@ -39,6 +39,13 @@ struct StampKernels {
     void (*flagLights)(const float* row, std::ptrdiff_t pixels, float radius,
                        const std::int32_t* chosen, std::uint8_t* flags);
 
+    /// Which floats of some blocks of `kLightBlock` pixels of a row differ from the same channel of
+    /// the pixel before, NaN from anything: bit 4 i + c of a block's word for channel c of its pixel
+    /// i. The row's first pixel differs. \param pixels  of the row, at whose end a block may end
+    /// \param places  of the blocks, 0 for the row's first \param changes  one word a block
+    void (*flagChanges)(const float* row, std::ptrdiff_t pixels, const std::int32_t* places,
+                        std::ptrdiff_t blocks, std::uint64_t* changes);
+
     /// Adds the stamp at `left`, then at the column right of it, and so on: 1 to
     /// `kMostCopies` of it, texel by texel in that order.
     void (*addCopies)(const StampSpan& span, std::int32_t copies);
