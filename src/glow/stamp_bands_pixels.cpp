@@ -14,7 +14,8 @@ namespace {
 using simd::kMostCopies;
 using simd::kStampMargin;
 
-// Source rows whose stamps may reach into a band.
+// Source rows whose stamps may reach into a band; those that no band above looked at where they
+// slide.
 struct RowRange {
     std::int32_t first;
     std::int32_t last;  // may lie before the first
@@ -22,7 +23,9 @@ struct RowRange {
 
 RowRange RowsThatReach(const GlowBand& band, const StampSource& source) {
     const std::int64_t reach = source.census.largestReach();
-    const std::int64_t first = std::max<std::int64_t>(band.firstRow - reach, 0);
+    const std::int64_t first = band.slides && band.firstRow > 0
+                                   ? band.firstRow + reach
+                                   : std::max<std::int64_t>(band.firstRow - reach, 0);
     const std::int64_t last =
         std::min<std::int64_t>(band.firstRow + band.rows - 1 + reach, source.image.height - 1);
     return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)};
@@ -44,7 +47,7 @@ class RowByRowForm : public BandForm {
         const std::int32_t y = rowOfStep(band, index);
         const std::int32_t reach = source_.census.largestReachOfRow(y);
         const std::int32_t top = std::max(y - reach, band.firstRow);
-        const std::int32_t bottom = std::min(y + reach + 1, band.firstRow + band.rows);
+        const std::int32_t bottom = std::min(y + reach + 1, band.endRow);
         if (top >= bottom) return kLook;
         return kLook + rowWork(y) * (bottom - top) / (2.0 * reach + 1.0);
     }
@@ -52,8 +55,7 @@ class RowByRowForm : public BandForm {
     void step(GlowBand& band, std::int32_t index) final {
         const std::int32_t y = rowOfStep(band, index);
         const std::int32_t reach = source_.census.largestReachOfRow(y);
-        if (reach == 0 || y + reach < band.firstRow || y - reach >= band.firstRow + band.rows)
-            return;
+        if (reach == 0 || y + reach < band.firstRow || y - reach >= band.endRow) return;
         addRow(band, y);
     }
 
@@ -127,7 +129,8 @@ class CacheForm final : public RowByRowForm {
         if (source.census.hasRuns()) return;
         // Half a byte a pixel of each channel, at most.
         const std::int32_t reached = bandRows + 2 * source.census.largestReach();
-        const std::int32_t kept = reached <= source.image.height / 4 ? reached : 1;
+        const bool keeps = bandRows > 0 && reached <= source.image.height / 4;
+        const std::int32_t kept = keeps ? reached : 1;
         rows_.emplace(source, kept);
     }
 
@@ -175,17 +178,19 @@ class CacheForm final : public RowByRowForm {
     void addCopies(GlowBand& band, std::int32_t y, std::int32_t x, std::int32_t copies,
                    const StampBox& box) const {
         const std::int32_t top = std::max(y + box.firstRow, band.firstRow);
-        const std::int32_t bottom =
-            std::min(y + box.firstRow + box.rows, band.firstRow + band.rows);
+        const std::int32_t bottom = std::min(y + box.firstRow + box.rows, band.endRow);
         if (top >= bottom) return;
         band.touch(top, bottom, x + box.firstColumn,
                    x + copies - 1 + box.firstColumn + box.columns);
         simd::StampSpan span{};
-        span.plane = band.row(top);
+        const std::int32_t planeRow = band.planeRow(top);
+        span.plane = band.values + planeRow * band.stride;
         span.planeStride = band.stride;
         span.texels = box.texels + (top - y - box.firstRow) * box.stride;
         span.texelStride = box.stride;
         span.rows = bottom - top;
+        span.wrappedRows = std::max(span.rows - (band.planeRows - planeRow), 0);
+        span.wrap = band.planeRows * band.stride;
         span.columns = box.columns;
         span.left = x + box.firstColumn;
         span.width = band.width;
@@ -238,7 +243,7 @@ class DirectForm final : public RowByRowForm {
 
     void addRun(GlowBand& band, std::int32_t y, std::int32_t x, std::int32_t run, StampSize size) {
         const std::int32_t top = std::max(y - size.reach, band.firstRow);
-        const std::int32_t bottom = std::min(y + size.reach + 1, band.firstRow + band.rows);
+        const std::int32_t bottom = std::min(y + size.reach + 1, band.endRow);
         if (top >= bottom) return;
         // Only the columns that any stamp of the run has within the image.
         const std::int32_t first = std::max(-size.reach, 0 - (x + run - 1));
@@ -362,6 +367,14 @@ class RunsForm final : public BandForm {
 
 }  // namespace
 
+void GlowBand::start(std::int32_t first, std::int32_t most, std::int32_t imageHeight) {
+    firstRow = first;
+    rows = std::min(most, imageHeight - first);
+    endRow = slides ? std::min(first + planeRows, imageHeight) : first + rows;
+    touched = {};
+    firstPlaneRow_ = first % planeRows;
+}
+
 void GlowBand::touch(std::int32_t firstTouched, std::int32_t lastTouched, std::int32_t left,
                      std::int32_t right) {
     const TileRange range{(firstTouched - firstRow) / kTileRows,
@@ -369,10 +382,9 @@ void GlowBand::touch(std::int32_t firstTouched, std::int32_t lastTouched, std::i
                           std::max(left, 0) / kTileColumns, TilesAcross(std::min(right, width))};
     if (range.firstColumn >= range.endColumn || touched.contains(range)) return;
     touched = range;
-    const std::int32_t across = TilesAcross(width);
     for (std::int32_t row = range.firstRow; row < range.endRow; ++row) {
-        std::fill(tiles + row * across + range.firstColumn, tiles + row * across + range.endColumn,
-                  std::uint8_t{1});
+        std::uint8_t* const flags = tileRow(firstRow + row * kTileRows);
+        std::fill(flags + range.firstColumn, flags + range.endColumn, std::uint8_t{1});
     }
 }
 

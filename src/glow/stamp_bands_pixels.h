@@ -36,26 +36,43 @@ struct TileRange {
     }
 };
 
-/// Some rows of one channel of the glow while stamps are added to them.
+/// Some rows of one channel of the glow while stamps are added to them, in a plane in which the
+/// rows of the image lie round and round. Bands follow each other from the top.
+///
+/// Either stamps are cut off below a band, and the source rows that reach further are looked at
+/// again for the next one. Or bands slide: each source row is looked at once, as soon as the band
+/// takes in all rows that it reaches upwards, and what it adds below the band stays in the plane.
 struct GlowBand {
     float* values = nullptr;
-    std::ptrdiff_t stride = 0;  ///< floats from row to row, a multiple of `simd::kPlaneBlock`
+    std::ptrdiff_t stride = 0;   ///< floats from row to row, a multiple of `simd::kPlaneBlock`
+    std::int32_t planeRows = 0;  ///< a multiple of `kTileRows`
     std::int32_t width = 0;
-    std::int32_t firstRow = 0;  ///< of the image
+    bool slides = false;
+    std::int32_t firstRow = 0;  ///< of the image, a multiple of `kTileRows`
     std::int32_t rows = 0;
-    /// For each tile, row by row: 1 when anything may have been added to it, else 0.
+    std::int32_t endRow = 0;  ///< of the image: stamps may be added from `firstRow` to above it
+    /// For each tile of the plane, row by row: 1 when anything may have been added to it, else 0.
     std::uint8_t* tiles = nullptr;
-    /// Flagged last: stamps near each other mostly touch the same tiles.
+    /// Flagged last: stamps near each other mostly touch the same tiles. Rows are the band's.
     TileRange touched;
 
-    float* row(std::int32_t y) const { return values + (y - firstRow) * stride; }
-    std::uint8_t* tileRow(std::int32_t y) const {
-        return tiles + (y - firstRow) / kTileRows * TilesAcross(width);
+    /// Turns to the rows from one on, which were 0 or were added to as rows below the last band.
+    void start(std::int32_t first, std::int32_t most, std::int32_t imageHeight);
+    /// Where row y, `firstRow` to above `endRow`, lies in the plane.
+    std::int32_t planeRow(std::int32_t y) const {
+        const std::int32_t place = firstPlaneRow_ + (y - firstRow);
+        return place < planeRows ? place : place - planeRows;
     }
-    /// Flags the tiles of rows of the band, first to before the last, and of columns that may lie
-    /// outside it.
+    float* row(std::int32_t y) const { return values + planeRow(y) * stride; }
+    std::uint8_t* tileRow(std::int32_t y) const {
+        return tiles + planeRow(y) / kTileRows * TilesAcross(width);
+    }
+    /// Flags the tiles of rows, first to before the last, and of columns that may lie outside it.
     void touch(std::int32_t firstTouched, std::int32_t lastTouched, std::int32_t left,
                std::int32_t right);
+
+  private:
+    std::int32_t firstPlaneRow_ = 0;
 };
 
 /// Floats from row to row of a plane of a width; no multiple of a page, so that the rows of a stamp
@@ -93,7 +110,7 @@ class BandForm {
 
 /// Every size's stamp is evaluated once and added pixel by pixel in the source's order, which gives
 /// the bits of `SplatRow`. Needs the census's sizes; refers to the cache.
-/// \param bandRows  rows of a band, at most
+/// \param bandRows  rows of a band, at most; 0 where bands slide
 /// \throws std::bad_alloc
 std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source, StampCache& cache,
                                         std::int32_t bandRows);

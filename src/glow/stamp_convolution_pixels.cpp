@@ -14,6 +14,17 @@ namespace {
 // the larger it is, the fewer source rows are looked at for two bands.
 constexpr std::ptrdiff_t kBandBytes = std::ptrdiff_t{1} << 20;
 
+// Of the planes of all channels when bands slide: all of it is in work at a time, for one channel
+// after the other, and has to stay in a cache.
+constexpr std::ptrdiff_t kSlidingBytes = std::ptrdiff_t{3} << 19;
+
+// Of a band that slides.
+constexpr std::int32_t kSlidingRows = kTileRows;
+
+constexpr std::int32_t WholeTiles(std::int32_t rows) {
+    return TilesDown(rows) * kTileRows;
+}
+
 // A picture that the caches of many processors do not hold: writing it past them spares reading it.
 constexpr std::ptrdiff_t kStreamedBytes = std::ptrdiff_t{16} << 20;
 
@@ -156,12 +167,34 @@ double StampConvolution::costOf(const StampCensus& census, ConvolutionForm form)
     }
 }
 
+// Chooses whether bands slide and the rows of one. Returns the rows of its plane.
+std::int32_t StampConvolution::shapeBands(std::ptrdiff_t stride) {
+    const std::ptrdiff_t rowBytes = stride * static_cast<std::ptrdiff_t>(sizeof(float));
+    const std::int32_t imageRows = WholeTiles(source_.height);
+    std::int64_t reach = 0;
+    std::ptrdiff_t planes = 0;
+    for (std::int32_t c = 0; c < kChannels; ++c) {
+        const ConvolutionForm form = report_.channels[c].form;
+        if (form == ConvolutionForm::kNone || form == ConvolutionForm::kRanges) continue;
+        ++planes;
+        if (form == ConvolutionForm::kRuns) continue;
+        reach = std::max<std::int64_t>(reach, work_[c].census->largestReach());
+    }
+    const std::int64_t rows = kSlidingRows + 2 * reach;
+    slides_ = rows < imageRows && rows * rowBytes * planes <= kSlidingBytes;
+    if (slides_) {
+        bandRows_ = kSlidingRows;
+        return WholeTiles(static_cast<std::int32_t>(rows));
+    }
+    bandRows_ = static_cast<std::int32_t>(std::clamp<std::ptrdiff_t>(
+        kBandBytes / rowBytes / kTileRows * kTileRows, kTileRows, imageRows));
+    return bandRows_;
+}
+
 void StampConvolution::startForms() {
     const double pixels = static_cast<double>(source_.width) * source_.height;
     const std::ptrdiff_t stride = BandStride(source_.width);
-    const std::ptrdiff_t strideBytes = stride * static_cast<std::ptrdiff_t>(sizeof(float));
-    bandRows_ = static_cast<std::int32_t>(
-        std::clamp<std::ptrdiff_t>(kBandBytes / strideBytes, 1, source_.height));
+    const std::int32_t planeRows = shapeBands(stride);
     bool bands = false;
     for (std::int32_t c = 0; c < kChannels; ++c) {
         ChannelWork& work = work_[c];
@@ -175,10 +208,10 @@ void StampConvolution::startForms() {
         if (form != ConvolutionForm::kRuns) work.census->dropCorners();
         switch (form) {
             case ConvolutionForm::kCache:
-                work.form = MakeCacheForm(sourceOf(c), *cache_, bandRows_);
+                work.form = MakeCacheForm(sourceOf(c), *cache_, slides_ ? 0 : bandRows_);
                 break;
             case ConvolutionForm::kRunCache:
-                work.form = MakeRunCacheForm(sourceOf(c), *cache_, bandRows_);
+                work.form = MakeRunCacheForm(sourceOf(c), *cache_, slides_ ? 0 : bandRows_);
                 break;
             case ConvolutionForm::kDirect: work.form = MakeDirectForm(sourceOf(c)); break;
             case ConvolutionForm::kRuns: work.form = MakeRunsForm(sourceOf(c)); break;
@@ -188,17 +221,18 @@ void StampConvolution::startForms() {
                 continue;
         }
         bands = true;
-        work.plane.resize(static_cast<std::size_t>(stride * bandRows_));
+        work.plane.resize(static_cast<std::size_t>(stride * planeRows));
         work.tiles.resize(static_cast<std::size_t>(TilesAcross(source_.width)) *
-                          static_cast<std::size_t>(TilesDown(bandRows_)));
+                          static_cast<std::size_t>(TilesDown(planeRows)));
         work.band.values = work.plane.data();
         work.band.tiles = work.tiles.data();
         work.band.stride = stride;
+        work.band.planeRows = planeRows;
         work.band.width = source_.width;
+        work.band.slides = slides_;
         double units = 0.0;
         for (std::int32_t y = 0; y < source_.height; y += bandRows_) {
-            work.band.firstRow = y;
-            work.band.rows = std::min(bandRows_, source_.height - y);
+            work.band.start(y, bandRows_, source_.height);
             const std::int32_t steps = work.form->steps(work.band);
             for (std::int32_t i = 0; i < steps; ++i) units += work.form->work(work.band, i);
         }
@@ -219,10 +253,7 @@ void StampConvolution::startBand(std::int32_t firstRow) {
     channel_ = 0;
     step_ = 0;
     for (ChannelWork& work : work_) {
-        if (!work.form) continue;
-        work.band.firstRow = firstRow;
-        work.band.rows = std::min(bandRows_, source_.height - firstRow);
-        work.band.touched = {};
+        if (work.form) work.band.start(firstRow, bandRows_, source_.height);
     }
 }
 
@@ -258,11 +289,14 @@ void StampConvolution::workOnBands() {
 // Channels of other forms become 0. Leaves the planes 0.
 void StampConvolution::writeBand() {
     const std::int32_t rows = std::min(bandRows_, source_.height - bandRow_);
+    const std::int32_t across = TilesAcross(source_.width);
     for (std::int32_t row = 0; row < rows; row += kTileRows) {
         writeTiles(bandRow_ + row, std::min(kTileRows, rows - row));
+        for (ChannelWork& work : work_) {
+            if (work.form) std::fill_n(work.band.tileRow(bandRow_ + row), across, std::uint8_t{0});
+        }
     }
     kernels_.stamps.endStreams();
-    for (ChannelWork& work : work_) std::fill(work.tiles.begin(), work.tiles.end(), 0);
     writtenRows_ = bandRow_ + rows;
 }
 

@@ -17,7 +17,7 @@ namespace vireon {
 /// channel how its stamps are added; the choice depends on pixels and settings alone.
 ///
 /// Besides tables of constant size, and `kMostStampBytes` of stamps and `kMostRunBytes` of sums of
-/// them a channel, it takes at most one float a pixel.
+/// them a channel, it takes at most one float a pixel, of `kTileRows` rows at least.
 class StampConvolution {
   public:
     /// Source and destination are float images of the same size that do not overlap. Refers to the
@@ -63,6 +63,7 @@ class StampConvolution {
     void chooseForms();
     ConvolutionForm choose(const StampCensus& census) const;
     double costOf(const StampCensus& census, ConvolutionForm form) const;
+    std::int32_t shapeBands(std::ptrdiff_t stride);
     void startForms();
     void workOnBands();
     void workOnRanges();
@@ -89,6 +90,7 @@ class StampConvolution {
     bool rangesDone_ = false;
     std::int32_t bandRow_ = 0;
     std::int32_t bandRows_ = 0;
+    bool slides_ = false;
     std::int32_t channel_ = 0;
     std::int32_t step_ = 0;
     double writeCost_ = 0.0;

@@ -27,6 +27,8 @@ struct StampSpan {
     const float* texels;         ///< first texel of the first row that is added
     std::ptrdiff_t texelStride;  ///< floats from row to row
     std::int32_t rows;           ///< rows to add
+    std::int32_t wrappedRows;    ///< of these, the last, that lie `wrap` floats before their place
+    std::ptrdiff_t wrap;         ///< for planes whose rows lie round and round
     std::int32_t left;           ///< column of the first texel, may lie outside the plane
     std::int32_t columns;        ///< texels a row
     std::int32_t width;          ///< columns of the plane; texels beyond it are left out
