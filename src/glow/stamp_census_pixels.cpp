@@ -16,6 +16,7 @@ constexpr std::size_t kSlots = std::size_t{1} << kSlotBits;
 constexpr std::size_t kMostSizes = kSlots / 2;
 static_assert(kMostSizes <= std::numeric_limits<std::uint16_t>::max());
 constexpr std::int32_t kNoStamp = -1;
+constexpr std::int32_t kEmpty = -2;  // of a slot
 
 // Corners are dropped once there are some and their stamps have this share of all texels.
 constexpr std::size_t kFewCorners = 2048;
@@ -73,31 +74,33 @@ StampCensus::StampCensus(const Splat& splat, std::int32_t width, std::int32_t he
       mostRuns_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3 / 5 /
                     static_cast<std::size_t>(channels) +
                 64),
-      slots_(kSlots, Slot{0, kNoStamp}),
+      // The first mark of a row, one a pixel and one right of the last.
+      marks_(static_cast<std::size_t>(width) + 2),
+      slots_(kSlots, Slot{0, kEmpty}),
+      runCounts_(runIndex(1, 0), 0),
       above_(static_cast<std::size_t>(width), kNoStamp),
       row_(static_cast<std::size_t>(width), kNoStamp),
       blocksAbove_(LightBlocks(width), 0),
       blocks_(LightBlocks(width), 0) {
-    runs_.reserve(mostRuns_);
+    slots_[slotOf(0)] = {0, kNoStamp};
+    if (width > std::numeric_limits<decltype(StampRun::length)>::max()) dropRuns();
+    if (hasRuns_) runs_.reserve(mostRuns_);
 }
 
-std::size_t StampCensus::slotOf(float scale) const {
-    const auto bits = std::bit_cast<std::uint32_t>(scale);
-    std::size_t slot = (bits * 2654435769u) >> (32 - kSlotBits);
-    while (slots_[slot].place != kNoStamp && slots_[slot].scaleBits != bits) {
-        slot = (slot + 1) % kSlots;
-    }
+std::size_t StampCensus::slotOf(std::uint32_t key) const {
+    std::size_t slot = (key * 2654435769u) >> (32 - kSlotBits);
+    while (slots_[slot].key != key && slots_[slot].place != kEmpty) slot = (slot + 1) % kSlots;
     return slot;
 }
 
 std::int32_t StampCensus::sizeOf(float value) const {
-    const StampSize size = StampSizeOf(value, splat_);
-    return size.reach == 0 ? kNoStamp : slots_[slotOf(size.scale)].place;
+    return slots_[slotOf(StampKeyOf(value, splat_))].place;
 }
 
-std::int32_t StampCensus::placeOf(StampSize size) {
-    Slot& slot = slots_[slotOf(size.scale)];
-    if (slot.place != kNoStamp) return slot.place;
+std::int32_t StampCensus::placeOf(std::uint32_t key) {
+    Slot& slot = slots_[slotOf(key)];
+    if (slot.place != kEmpty) return slot.place;
+    const StampSize size = StampSizeOfKey(key, splat_);
     stampFloats_ += StampFloats(size);
     if (sizes_.size() == kMostSizes) {
         dropSizes();
@@ -105,9 +108,9 @@ std::int32_t StampCensus::placeOf(StampSize size) {
     }
     if (!stampsFit()) dropCorners();
     stampTexels_ += size.texels();
-    slot = {std::bit_cast<std::uint32_t>(size.scale), static_cast<std::int32_t>(sizes_.size())};
+    slot = {key, static_cast<std::int32_t>(sizes_.size())};
     sizes_.push_back(size);
-    runCounts_.resize(sizes_.size() * kMostCopies);
+    runCounts_.resize(runIndex(static_cast<std::int32_t>(sizes_.size()) + 1, 0));
     return slot.place;
 }
 
@@ -134,43 +137,90 @@ void StampCensus::dropRuns() {
 
 void StampCensus::addStretch(const float* row, const LitBlocks& blocks) {
     constexpr std::uint64_t kOneChannel = 0x1111111111111111;
+    const float* const values = row + channel_;
     for (std::size_t i = 0; i < blocks.places.size(); ++i) {
         const std::int32_t place = blocks.places[i];
         if ((blocks.flags[static_cast<std::size_t>(place)] >> channel_ & 1) == 0) continue;
         const std::int32_t begin = place * kLightBlock;
-        if (begin != blocksEnd_) endRun(blocksEnd_);
+        if (begin != blocksEnd_) mark(blocksEnd_, 0, 0);
         blocksEnd_ = std::min(begin + kLightBlock, width_);
         // What equals a pixel without a stamp has none either, be that one of another block.
         std::uint64_t changes = blocks.changes[i] >> channel_ & kOneChannel;
         for (; changes != 0; changes &= changes - 1) {
             const std::int32_t x = begin + std::countr_zero(changes) / kChannels;
-            const float value = row[static_cast<std::ptrdiff_t>(x) * kChannels + channel_];
-            const StampSize size = StampSizeOf(value, splat_);
-            if (size.reach == size_.reach && (size.reach == 0 || size.scale == size_.scale)) {
-                continue;
-            }
-            endRun(x);
-            size_ = size;
-            if (size.reach == 0) continue;
-            runBegin_ = x;
-            place_ = hasSizes_ ? placeOf(size) : kNoStamp;
+            const std::uint32_t key =
+                StampKeyOf(values[static_cast<std::ptrdiff_t>(x) * kChannels], splat_);
+            mark(x, key, hasSizes_ ? placeOf(key) + 1 : 0);
         }
     }
 }
 
+// Values that make no stamp, or stamps of the largest size, differ without ending a run.
+void StampCensus::mark(std::int32_t x, std::uint32_t key, std::int32_t number) {
+    const bool isNew = marks_[lastMark_].key != key;
+    lastMark_ += isNew ? 1 : 0;
+    Mark& last = marks_[lastMark_];
+    last = {isNew ? x : last.x, key, number};
+}
+
 void StampCensus::endRow(const LitBlocks& blocks) {
-    endRun(blocksEnd_);
+    mark(blocksEnd_, 0, 0);
     blocksEnd_ = 0;
+    std::int64_t stamps = 0;
+    double texels = 0.0;
+    double runTexels = 0.0;
+    std::int32_t largestReach = 0;
+    for (std::size_t i = 0; i < lastMark_; ++i) {
+        const StampSize size = StampSizeOfKey(marks_[i].key, splat_);
+        const std::int32_t length = size.reach != 0 ? marks_[i + 1].x - marks_[i].x : 0;
+        const double texelsOfOne = size.reach != 0 ? size.texels() : 0.0;
+        stamps += length;
+        texels += length * texelsOfOne;
+        runTexels += texelsOfOne;
+        largestReach = std::max(largestReach, size.reach);
+        largestScale_ = std::max(largestScale_, size.scale);
+    }
+    stamps_ += static_cast<double>(stamps);
+    texels_ += texels;
+    runTexels_ += runTexels;
+    largestReach_ = std::max(largestReach_, largestReach);
+    rowReaches_.push_back(largestReach);
+    rowTexels_.push_back(texels);
+    rowRunTexels_.push_back(runTexels);
     ++rows_;
-    rowReaches_.push_back(rowReach_);
-    rowTexels_.push_back(texels_ - texelsAbove_);
-    rowRunTexels_.push_back(runTexels_ - runTexelsAbove_);
-    rowReach_ = 0;
-    texelsAbove_ = texels_;
-    runTexelsAbove_ = runTexels_;
-    runsEnd_ = 0;
-    if (hasRuns_) runRows_.push_back(runs_.size());
+    if (hasSizes_) keepRuns();
     if (hasCorners_) addRowOfCorners(blocks);
+    if (hasSizes_ && rows_ == height_) sumRecurring();
+    lastMark_ = 0;
+}
+
+void StampCensus::keepRuns() {
+    if (hasRuns_ && runs_.size() + lastMark_ > mostRuns_) dropRuns();
+    if (hasRuns_) runs_.resize(runs_.size() + lastMark_);
+    StampRun* const kept = hasRuns_ ? runs_.data() + runs_.size() - lastMark_ : nullptr;
+    for (std::size_t i = 0; i < lastMark_; ++i) {
+        const std::int32_t number = marks_[i].number;
+        const std::int32_t length = marks_[i + 1].x - marks_[i].x;
+        runCounts_[runIndex(number, length % kMostCopies)] += 1;
+        runCounts_[runIndex(number, kMostCopies)] += length / kMostCopies;
+        if (hasRuns_) {
+            kept[i] = {static_cast<std::uint16_t>(length), static_cast<std::uint16_t>(number)};
+        }
+    }
+    if (hasRuns_) runRows_.push_back(runs_.size());
+}
+
+void StampCensus::sumRecurring() {
+    for (std::size_t place = 0; place < sizes_.size(); ++place) {
+        const StampSize size = sizes_[place];
+        const auto number = static_cast<std::int32_t>(place) + 1;
+        for (std::int32_t length = 2; length <= kMostCopies; ++length) {
+            if (!isRecurring(number - 1, length)) continue;
+            const double times = runCounts_[runIndex(number, length)];
+            runFloats_ += RunFloats(size, length);
+            sparedTexels_ += times * (length - 1) * size.texels();
+        }
+    }
 }
 
 void StampCensus::addRowOfCorners(const LitBlocks& blocks) {
@@ -181,60 +231,11 @@ void StampCensus::addRowOfCorners(const LitBlocks& blocks) {
     }
     litAbove_ = blocks.any;
     std::copy(blocks.flags.begin(), blocks.flags.end(), blocks_.begin());
+    for (std::size_t i = 0; i < lastMark_; ++i) {
+        std::fill(row_.begin() + marks_[i].x, row_.begin() + marks_[i + 1].x, marks_[i].number - 1);
+    }
     addCorners();
     if (hasCorners_ && rows_ == height_) addCorners();
-}
-
-// Of the run that is taken in, if there is one.
-void StampCensus::endRun(std::int32_t end) {
-    if (size_.reach == 0) return;
-    const StampSize size = size_;
-    const std::int32_t place = place_;
-    const std::int32_t begin = runBegin_;
-    size_ = {0.0f, 0};
-    const double texels = size.texels();
-    const std::int32_t length = end - begin;
-    stamps_ += length;
-    texels_ += length * texels;
-    runTexels_ += texels;
-    largestScale_ = std::max(largestScale_, size.scale);
-    largestReach_ = std::max(largestReach_, size.reach);
-    rowReach_ = std::max(rowReach_, size.reach);
-    if (hasCorners_) std::fill_n(row_.begin() + begin, length, place);
-    if (hasRuns_) keepRun(begin, end, place);
-    if (place == kNoStamp) return;
-    if (length >= kMostCopies) countRuns(kMostCopies, length / kMostCopies, size, place);
-    if (length % kMostCopies > 1) countRuns(length % kMostCopies, 1, size, place);
-}
-
-void StampCensus::countRuns(std::int32_t length, std::int32_t times, StampSize size,
-                            std::int32_t place) {
-    std::int32_t& count = runCounts_[runIndex(place, length)];
-    const bool didRecur = count >= kFewestRecurring;
-    count += times;
-    if (count < kFewestRecurring) return;
-    if (!didRecur) runFloats_ += RunFloats(size, length);
-    const auto spared = static_cast<double>(didRecur ? times : count);
-    sparedTexels_ += spared * (length - 1) * size.texels();
-}
-
-void StampCensus::keepRun(std::int32_t begin, std::int32_t end, std::int32_t place) {
-    constexpr std::int32_t kMost = std::numeric_limits<std::uint8_t>::max();
-    std::int32_t gap = begin - runsEnd_;
-    std::int32_t length = end - begin;
-    runsEnd_ = end;
-    while (length > 0) {
-        if (runs_.size() == mostRuns_) {
-            dropRuns();
-            return;
-        }
-        const std::int32_t before = std::min(gap, kMost);
-        gap -= before;
-        const std::int32_t some = gap > 0 ? 0 : std::min(length, kMost);
-        length -= some;
-        runs_.push_back({static_cast<std::uint8_t>(before), static_cast<std::uint8_t>(some),
-                         static_cast<std::uint16_t>(place)});
-    }
 }
 
 // Of the row against the one above; leaves a row without stamps.

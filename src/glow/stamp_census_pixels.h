@@ -36,12 +36,10 @@ void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std:
                 std::int32_t begin, const Splat& splat, const ChannelFlags& channels,
                 LitBlocks& blocks);
 
-/// Neighbouring pixels of a row that make stamps of one size. Of a long gap or run there are
-/// several.
+/// Neighbouring pixels of a row that make stamps of one size, or none.
 struct StampRun {
-    std::uint8_t gap;     ///< pixels without a stamp before it
-    std::uint8_t length;  ///< pixels, 0 for a part of a gap
-    std::uint16_t size;   ///< place of its size in the census
+    std::uint16_t length;  ///< pixels
+    std::uint16_t size;    ///< place of its size in the census and 1, 0 for no stamp
 };
 
 /// Where the areas of one size have a corner: the sum of these, over all corners above and to the
@@ -98,7 +96,7 @@ class StampCensus {
     /// Whether runs of a size's place and of a length, 1 to `simd::kMostCopies`, recur so often
     /// that their stamps are worth being summed once. Longer runs count as several.
     bool isRecurring(std::int32_t place, std::int32_t length) const {
-        return length > 1 && runCounts_[runIndex(place, length)] >= kFewestRecurring;
+        return length > 1 && runCounts_[runIndex(place + 1, length)] >= kFewestRecurring;
     }
     /// Floats that the sums of all recurring runs take, and whether they are few enough.
     std::size_t runFloats() const { return runFloats_; }
@@ -124,8 +122,7 @@ class StampCensus {
         std::int32_t x = 0;
         for (const StampRun* run = runs_.data() + runRows_[static_cast<std::size_t>(y)]; run != end;
              ++run) {
-            x += run->gap;
-            if (run->length != 0) visit(x, std::int32_t{run->length}, std::int32_t{run->size});
+            if (run->size != 0) visit(x, std::int32_t{run->length}, std::int32_t{run->size} - 1);
             x += run->length;
         }
     }
@@ -139,22 +136,29 @@ class StampCensus {
 
   private:
     struct Slot {
-        std::uint32_t scaleBits;
+        std::uint32_t key;
         std::int32_t place;
+    };
+    /// Where a run begins in the row that is taken in, those without a stamp included. The next one
+    /// ends it.
+    struct Mark {
+        std::int32_t x;
+        std::uint32_t key;    ///< of the size, see `StampKeyOf`
+        std::int32_t number;  ///< its size's place and 1, 0 for no stamp; while there are sizes
     };
 
     static constexpr std::int32_t kFewestRecurring = 16;
 
-    static std::size_t runIndex(std::int32_t place, std::int32_t length) {
-        return static_cast<std::size_t>(place) * simd::kMostCopies +
-               static_cast<std::size_t>(length - 1);
+    static std::size_t runIndex(std::int32_t number, std::int32_t length) {
+        return static_cast<std::size_t>(number) * (simd::kMostCopies + 1) +
+               static_cast<std::size_t>(length);
     }
-    std::size_t slotOf(float scale) const;
-    std::int32_t placeOf(StampSize size);
+    std::size_t slotOf(std::uint32_t key) const;
+    std::int32_t placeOf(std::uint32_t key);
     bool stampsFit() const;
-    void endRun(std::int32_t end);
-    void countRuns(std::int32_t length, std::int32_t times, StampSize size, std::int32_t place);
-    void keepRun(std::int32_t begin, std::int32_t end, std::int32_t place);
+    void mark(std::int32_t x, std::uint32_t key, std::int32_t number);
+    void keepRuns();
+    void sumRecurring();
     void addRowOfCorners(const LitBlocks& blocks);
     void addCorners();
     void addCornersOfBlock(std::int32_t begin);
@@ -179,20 +183,15 @@ class StampCensus {
     bool hasCorners_ = true;
     bool hasRuns_ = true;
     std::int32_t rows_ = 0;
-    StampSize size_{0.0f, 0};  ///< of the run that is taken in, of reach 0 between runs
-    std::int32_t place_ = -1;  ///< of its size
-    std::int32_t runBegin_ = 0;
-    std::int32_t blocksEnd_ = 0;  ///< right of the last lit block
-    double texelsAbove_ = 0.0;    ///< of the rows above
-    double runTexelsAbove_ = 0.0;
-    std::int32_t rowReach_ = 0;  ///< of the row that is taken in
-    std::int32_t runsEnd_ = 0;   ///< right of the row's last run that is kept
+    std::int32_t blocksEnd_ = 0;  ///< right of the row's last lit block
+    std::vector<Mark> marks_;     ///< the first is that of column 0, the last one is open
+    std::size_t lastMark_ = 0;
     std::vector<std::int32_t> rowReaches_;
     std::vector<double> rowTexels_;
     std::vector<double> rowRunTexels_;
     std::vector<Slot> slots_;
     std::vector<StampSize> sizes_;
-    std::vector<std::int32_t> runCounts_;  ///< of each size and length
+    std::vector<std::int32_t> runCounts_;  ///< of no stamp and of each size: 0 to kMostCopies long
     std::vector<std::int32_t> above_;      ///< places of the row before, -1 for no stamp
     std::vector<std::int32_t> row_;
     std::vector<std::uint8_t> blocksAbove_;
