@@ -124,6 +124,7 @@ class CacheForm final : public RowByRowForm {
         : RowByRowForm(source),
           cache_(cache),
           places_(cache.add(source.census.sizes())),
+          pieces_(places_.size() * kMostCopies),
           sumsRuns_(sumsRuns) {
         if (sumsRuns) cache.reserveRuns(source.census.runFloats());
         if (source.census.hasRuns()) return;
@@ -148,6 +149,12 @@ class CacheForm final : public RowByRowForm {
     }
 
   private:
+    /// How a run of a size and length is added.
+    struct Piece {
+        const StampBox* box = nullptr;
+        std::int32_t copies = 0;
+    };
+
     void addPlaces(GlowBand& band, std::int32_t y, const std::int16_t* places) {
         const std::int32_t width = band.width;
         for (std::int32_t x = 0; x < width;) {
@@ -162,17 +169,21 @@ class CacheForm final : public RowByRowForm {
 
     void addRun(GlowBand& band, std::int32_t y, std::int32_t x, std::int32_t run,
                 std::int32_t size) {
-        const std::int32_t place = places_[static_cast<std::size_t>(size)];
         while (run > 0) {
-            const std::int32_t copies = std::min(run, kMostCopies);
-            if (sumsRuns_ && source().census.isRecurring(size, copies)) {
-                addCopies(band, y, x, 1, cache_.run(place, copies));
-            } else {
-                addCopies(band, y, x, copies, cache_.stamp(place));
-            }
-            x += copies;
-            run -= copies;
+            const std::int32_t length = std::min(run, kMostCopies);
+            Piece& piece = pieces_[static_cast<std::size_t>(size * kMostCopies + length - 1)];
+            if (piece.box == nullptr) piece = makePiece(size, length);
+            addCopies(band, y, x, piece.copies, *piece.box);
+            x += length;
+            run -= length;
         }
+    }
+
+    Piece makePiece(std::int32_t size, std::int32_t length) {
+        const std::int32_t place = places_[static_cast<std::size_t>(size)];
+        const bool isSummed = sumsRuns_ && source().census.isRecurring(size, length);
+        if (isSummed) return {&cache_.run(place, length), 1};
+        return {&cache_.stamp(place), length};
     }
 
     void addCopies(GlowBand& band, std::int32_t y, std::int32_t x, std::int32_t copies,
@@ -199,6 +210,7 @@ class CacheForm final : public RowByRowForm {
 
     StampCache& cache_;
     std::vector<std::int32_t> places_;  ///< in the cache, of the census's sizes
+    std::vector<Piece> pieces_;         ///< of each size and length, made when first asked for
     bool sumsRuns_;
     std::optional<StampPlaces> rows_;  ///< where the census has kept no runs
 };
@@ -375,12 +387,8 @@ void GlowBand::start(std::int32_t first, std::int32_t most, std::int32_t imageHe
     firstPlaneRow_ = first % planeRows;
 }
 
-void GlowBand::touch(std::int32_t firstTouched, std::int32_t lastTouched, std::int32_t left,
-                     std::int32_t right) {
-    const TileRange range{(firstTouched - firstRow) / kTileRows,
-                          (lastTouched - 1 - firstRow) / kTileRows + 1,
-                          std::max(left, 0) / kTileColumns, TilesAcross(std::min(right, width))};
-    if (range.firstColumn >= range.endColumn || touched.contains(range)) return;
+void GlowBand::flag(const TileRange& range) {
+    if (range.firstColumn >= range.endColumn) return;
     touched = range;
     for (std::int32_t row = range.firstRow; row < range.endRow; ++row) {
         std::uint8_t* const flags = tileRow(firstRow + row * kTileRows);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -69,9 +70,16 @@ struct GlowBand {
     }
     /// Flags the tiles of rows, first to before the last, and of columns that may lie outside it.
     void touch(std::int32_t firstTouched, std::int32_t lastTouched, std::int32_t left,
-               std::int32_t right);
+               std::int32_t right) {
+        const TileRange range{
+            (firstTouched - firstRow) / kTileRows, (lastTouched - 1 - firstRow) / kTileRows + 1,
+            std::max(left, 0) / kTileColumns, TilesAcross(std::min(right, width))};
+        if (!touched.contains(range)) flag(range);
+    }
 
   private:
+    void flag(const TileRange& range);
+
     std::int32_t firstPlaneRow_ = 0;
 };
 

@@ -41,7 +41,6 @@ StampBox StampCache::makeRun(std::int32_t place, std::int32_t copies) {
     float* const memory = runMemory_.get() + runsUsed_;
     const std::size_t floats = RunFloats(sizes_[static_cast<std::size_t>(place)], copies);
     runsUsed_ += floats;
-    std::fill_n(memory, floats, 0.0f);
     return SumRun(kernels_, stamp(place), copies, memory);
 }
 

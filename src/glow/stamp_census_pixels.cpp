@@ -31,19 +31,17 @@ std::size_t LightBlocks(std::int32_t width) {
     return static_cast<std::size_t>(width / kLightBlock) + 1;
 }
 
-LitBlocks::LitBlocks(std::int32_t width)
+LitBlocks::LitBlocks(std::int32_t width, const ChannelFlags& channels)
     : flags(LightBlocks(width), 0), changes(LightBlocks(kStretchPixels)) {
+    for (std::int32_t c = 0; c < kChannels; ++c) chosen[c] = channels.enabled[c] ? -1 : 0;
     places.reserve(changes.size());
 }
 
 void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std::int32_t y,
-                std::int32_t begin, const Splat& splat, const ChannelFlags& channels,
-                LitBlocks& blocks) {
-    std::int32_t chosen[kChannels];
-    for (std::int32_t c = 0; c < kChannels; ++c) chosen[c] = channels.enabled[c] ? -1 : 0;
+                std::int32_t begin, const Splat& splat, LitBlocks& blocks) {
     const std::int32_t pixels = std::min(kStretchPixels, source.width - begin);
     const auto first = static_cast<std::size_t>(begin / kLightBlock);
-    kernels.stamps.flagLights(source.pixel(begin, y), pixels, splat.radius, chosen,
+    kernels.stamps.flagLights(source.pixel(begin, y), pixels, splat.radius, blocks.chosen,
                               blocks.flags.data() + first);
     blocks.places.clear();
     // Most are dark: eight at a look.

@@ -20,8 +20,9 @@ std::size_t LightBlocks(std::int32_t width);
 /// The blocks of a source row that hold pixels with a stamp in a channel, and those of its stretch
 /// that was looked at last.
 struct LitBlocks {
-    explicit LitBlocks(std::int32_t width);
+    LitBlocks(std::int32_t width, const ChannelFlags& channels);
 
+    std::int32_t chosen[kChannels];      ///< all bits set for a channel that is looked at
     std::vector<std::uint8_t> flags;     ///< of each of the `LightBlocks`: bit c for channel c
     bool any = false;                    ///< whether any flag of the row is set
     std::vector<std::int32_t> places;    ///< in the stretch: of those with any flag, from the left
@@ -33,8 +34,7 @@ inline constexpr std::int32_t kStretchPixels = 16 * simd::kLightBlock;
 
 /// Looks at the stretch of row y from column `begin`, a multiple of `kStretchPixels`.
 void FindLights(const simd::KernelTable& kernels, const FloatImage& source, std::int32_t y,
-                std::int32_t begin, const Splat& splat, const ChannelFlags& channels,
-                LitBlocks& blocks);
+                std::int32_t begin, const Splat& splat, LitBlocks& blocks);
 
 /// Neighbouring pixels of a row that make stamps of one size, or none.
 struct StampRun {

@@ -56,7 +56,7 @@ StampConvolution::StampConvolution(const simd::KernelTable& kernels, const Float
       channels_(channels),
       forced_(forced),
       cache_(std::in_place, kernels, splat),
-      blocks_(source.width),
+      blocks_(source.width, channels),
       streams_(static_cast<std::ptrdiff_t>(destination.width) * destination.height * kChannels *
                    static_cast<std::ptrdiff_t>(sizeof(float)) >
                kStreamedBytes) {
@@ -92,7 +92,7 @@ void StampConvolution::takeCensus(std::int32_t endRow) {
     if (censusRow_ >= source_.height) return;
     for (; censusRow_ < endRow; ++censusRow_) {
         for (std::int32_t x = 0; x < source_.width; x += kStretchPixels) {
-            FindLights(kernels_, source_, censusRow_, x, splat_, channels_, blocks_);
+            FindLights(kernels_, source_, censusRow_, x, splat_, blocks_);
             if (blocks_.places.empty()) continue;
             for (ChannelWork& work : work_) {
                 if (work.census) work.census->addStretch(source_.row(censusRow_), blocks_);

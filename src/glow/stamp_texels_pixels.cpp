@@ -114,9 +114,11 @@ StampBox SumRun(const simd::KernelTable& kernels, const StampBox& stamp, std::in
     run.columns = stamp.columns + copies - 1;
     run.stride = RunStride(stamp.columns, copies);
     run.texels = memory + kRunMargin;
+    std::fill_n(memory, kRunMargin, 0.0f);
     for (std::int32_t y = 0; y < run.rows; ++y) {
-        kernels.stamps.sumCopies(stamp.texels + y * stamp.stride, copies,
-                                 memory + kRunMargin + y * run.stride, run.columns);
+        float* const row = memory + kRunMargin + y * run.stride;
+        kernels.stamps.sumCopies(stamp.texels + y * stamp.stride, copies, row, run.columns);
+        std::fill_n(row + run.columns, kRunMargin, 0.0f);
     }
     return run;
 }

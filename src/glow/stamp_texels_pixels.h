@@ -58,7 +58,7 @@ StampBox MakeStamp(StampTexels& texels, StampSize size, float* memory);
 std::size_t RunFloats(StampSize size, std::int32_t copies);
 
 /// Adds up a stamp at so many neighbouring columns, 1 to `simd::kMostCopies`, into `memory` of
-/// `RunFloats` zeros. Each sum is rounded once. The box's columns are counted from the centre of
+/// `RunFloats`. Each sum is rounded once. The box's columns are counted from the centre of
 /// the leftmost.
 StampBox SumRun(const simd::KernelTable& kernels, const StampBox& stamp, std::int32_t copies,
                 float* memory);
