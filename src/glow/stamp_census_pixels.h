@@ -191,7 +191,7 @@ class StampCensus {
     std::vector<double> rowRunTexels_;
     std::vector<Slot> slots_;
     std::vector<StampSize> sizes_;
-    std::vector<std::int32_t> runCounts_;  ///< of no stamp and of each size: 0 to kMostCopies long
+    std::vector<std::int32_t> runCounts_;  ///< of no stamp and of each size, by length
     std::vector<std::int32_t> above_;      ///< places of the row before, -1 for no stamp
     std::vector<std::int32_t> row_;
     std::vector<std::uint8_t> blocksAbove_;

@@ -53,8 +53,8 @@ struct StampKernels {
     void (*addCopies)(const StampSpan& span, std::int32_t copies);
 
     /// out[i] = texels[i] + texels[i - 1] + ..., as many as `copies`, 1 to `kMostCopies`: what the
-    /// same row adds at neighbouring columns. Summed in double precision and rounded once. Up to
-    /// seven floats behind the row may be read, and written as well.
+    /// same row adds at neighbouring columns. Summed in double precision and rounded once. The
+    /// row lies between `kStampMargin` zeros; up to seven floats behind `out` may be written.
     void (*sumCopies)(const float* texels, std::int32_t copies, float* out, std::ptrdiff_t columns);
 
     /// Adds A + p (B + p C), A being the span's texels and B and C planes of the same layout.

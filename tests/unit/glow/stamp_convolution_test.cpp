@@ -496,7 +496,6 @@ TEST(StampConvolution, ShortRunsEverywhereInPicturesOfSeveralBands) {
     }
 }
 
-// A kept run holds its length and the gap before it in a byte each.
 TEST(StampConvolution, RunsAndGapsOfAnyLength) {
     Random random(18);
     const GlowKernel kernel = RandomKernel(random, 9, 9);
@@ -534,6 +533,53 @@ TEST(StampConvolution, RunsAndGapsOfAnyLength) {
         few.at(x, row, c) = source.at(x, 12 * row + 9, c);
     });
     check(few, 900.0f, Form::kDirect);
+}
+
+// Runs of more pixels than a kept run can count. Without kept runs, rows that several bands reach
+// are kept instead.
+TEST(StampConvolution, RowsTooLongForKeptRuns) {
+    Random random(20);
+    const GlowKernel kernel = RandomKernel(random, 9, 9);
+    const ChannelFlags channels{{false, true, false, true}};
+    Picture source(66001, 60);
+    for (std::int32_t x = 0; x < source.width(); ++x) source.at(x, 13, kRed) = 1.0f;
+    for (int i = 0; i < 2000; ++i) {
+        source.at(random.whole(0, 66000), random.whole(0, 59), kBlue) =
+            static_cast<float>(random.whole(0, 9)) / 9.0f;
+    }
+    const Splat splat = SplatOf(kernel, 3.0f);
+    const Picture plain = PlainGlow(source, splat, channels);
+    for (const Form form : {Form::kCache, Form::kDirect}) {
+        for (const simd::Level level : FastLevels()) {
+            const Fast fast = FastGlow(level, form, source, splat, channels);
+            EXPECT_EQ(fast.report.channels[kRed].form, form);
+            EXPECT_TRUE(SameBits(fast.glow, plain))
+                << FormName(form) << ' ' << simd::LevelName(level);
+        }
+    }
+}
+
+// Stamps so large that bands do not slide.
+TEST(StampConvolution, LargeStampsInPicturesOfSeveralBands) {
+    Random random(21);
+    const GlowKernel kernel = RandomKernel(random, 12, 12);
+    const ChannelFlags channels{{false, false, true, false}};
+    Picture source(1501, 450);
+    for (int i = 0; i < 12; ++i) {
+        const std::int32_t x = random.whole(0, 1490);
+        const std::int32_t y = random.whole(0, 449);
+        for (std::int32_t right = x; right < x + i; ++right) source.at(right, y, kGreen) = 0.9f;
+    }
+    const Splat splat = SplatOf(kernel, 150.0f);
+    const Picture plain = PlainGlow(source, splat, channels);
+    for (const Form form : {Form::kCache, Form::kDirect}) {
+        for (const simd::Level level : FastLevels()) {
+            const Fast fast = FastGlow(level, form, source, splat, channels);
+            EXPECT_EQ(fast.report.channels[kGreen].form, form);
+            EXPECT_TRUE(SameBits(fast.glow, plain))
+                << FormName(form) << ' ' << simd::LevelName(level);
+        }
+    }
 }
 
 // Too many runs to be kept. Of the higher picture rows are kept from band to band, of the other

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -98,6 +99,85 @@ TEST_P(StampKernelsOfLevel, FlagsTheChannelsOfEveryBlockThatMakeAStamp) {
             EXPECT_EQ(got.back(), 0xEE);
             got.pop_back();
             EXPECT_EQ(got, want) << pixels << " pixels, channels " << chosen;
+        }
+    }
+}
+
+TEST_P(StampKernelsOfLevel, FlagsTheFloatsThatDifferFromThePixelBefore) {
+    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+    Random random(34);
+    for (std::int32_t pixels = 1; pixels <= kMostPixels; ++pixels) {
+        std::vector<float> row(static_cast<std::size_t>(4 * pixels));
+        for (float& value : row) {
+            const float values[] = {0.0f, -0.0f, 1.0f, 2.5f, kNaN};
+            value = values[random.whole(0, 4)];
+        }
+        std::vector<std::int32_t> places;
+        for (std::int32_t place = 0; place * simd::kLightBlock < pixels; ++place) {
+            if (place == 0 || random.whole(0, 3) != 0) places.push_back(place);
+        }
+        std::vector<std::uint64_t> got(places.size() + 1, 0xEE);
+        kernels().flagChanges(row.data(), pixels, places.data(),
+                              static_cast<std::ptrdiff_t>(places.size()), got.data());
+        EXPECT_EQ(got.back(), 0xEEu);
+        for (std::size_t block = 0; block < places.size(); ++block) {
+            std::uint64_t want = 0;
+            for (std::int32_t i = 0; i < 4 * simd::kLightBlock; ++i) {
+                const std::int32_t at = 4 * simd::kLightBlock * places[block] + i;
+                if (at >= 4 * pixels) break;
+                const auto here = static_cast<std::size_t>(at);
+                const bool differs = at < 4 || row[here] != row[here - 4];
+                want |= std::uint64_t{differs} << i;
+            }
+            EXPECT_EQ(got[block], want) << pixels << " pixels, block " << places[block];
+        }
+    }
+}
+
+TEST_P(StampKernelsOfLevel, AddsRowsRoundAndRound) {
+    Random random(35);
+    constexpr std::int32_t kRows = 8;
+    constexpr std::int32_t kWidth = 45;
+    constexpr std::ptrdiff_t kStride = 3 * simd::kPlaneBlock;
+    for (std::int32_t trial = 0; trial < 400; ++trial) {
+        const std::int32_t columns = random.whole(1, 60);
+        const std::int32_t rows = random.whole(1, kRows);
+        const std::int32_t first = random.whole(0, kRows - 1);
+        const std::int32_t left = random.whole(-20, kWidth - 1);
+        const std::int32_t copies = random.whole(1, simd::kMostCopies);
+        const std::ptrdiff_t texelStride = columns + simd::kStampMargin;
+        std::vector<float> texels(static_cast<std::size_t>(simd::kStampMargin + rows * texelStride),
+                                  0.0f);
+        std::vector<float> plane(static_cast<std::size_t>(kRows * kStride));
+        for (float& value : plane) value = random.real(0.0f, 1.0f);
+        std::vector<float> want = plane;
+        for (std::int32_t y = 0; y < rows; ++y) {
+            float* const row = texels.data() + simd::kStampMargin + y * texelStride;
+            std::generate_n(row, columns, [&] { return random.real(0.0f, 1.0f); });
+            float* const to = want.data() + (first + y) % kRows * kStride;
+            for (std::int32_t copy = 0; copy < copies; ++copy) {
+                for (std::int32_t i = 0; i < columns; ++i) {
+                    const std::int32_t x = left + copy + i;
+                    if (x >= 0 && x < kWidth) to[x] += row[i];
+                }
+            }
+        }
+        simd::StampSpan span{};
+        span.plane = plane.data() + first * kStride;
+        span.planeStride = kStride;
+        span.texels = texels.data() + simd::kStampMargin;
+        span.texelStride = texelStride;
+        span.rows = rows;
+        span.wrappedRows = std::max(first + rows - kRows, 0);
+        span.wrap = kRows * kStride;
+        span.left = left;
+        span.columns = columns;
+        span.width = kWidth;
+        kernels().addCopies(span, copies);
+        for (std::int32_t y = 0; y < kRows; ++y) {
+            EXPECT_TRUE(std::equal(plane.data() + y * kStride, plane.data() + y * kStride + kWidth,
+                                   want.data() + y * kStride))
+                << "trial " << trial << ", row " << y;
         }
     }
 }
