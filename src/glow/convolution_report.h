@@ -9,7 +9,7 @@ enum class ConvolutionForm {
     kNone,      ///< not at all: the channel is off or has no light that makes a stamp
     kPlain,     ///< `SplatRow`
     kCache,     ///< every size's stamp is evaluated once; the bits of the plain form
-    kRunCache,  ///< the same, but for short runs of equal stamps that recur: they are summed once
+    kRunCache,  ///< and short runs of equal stamps that recur are summed once: other bits
     kDirect,  ///< every stamp, or run of equal ones, is evaluated anew; the bits of the plain form
     kRuns,    ///< by the corners of areas of equal light, exact but for the last rounding
     kRanges,  ///< by size, where many stamps of nearly one size share a quadratic

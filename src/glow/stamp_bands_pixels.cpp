@@ -126,7 +126,7 @@ class CacheForm final : public RowByRowForm {
           places_(cache.add(source.census.sizes())),
           pieces_(places_.size() * kMostCopies),
           sumsRuns_(sumsRuns) {
-        if (sumsRuns) cache.reserveRuns(source.census.runFloats());
+        if (sumsRuns) cache.reserveRuns(source.census.runSumFloats());
         if (source.census.hasRuns()) return;
         // Half a byte a pixel of each channel, at most.
         const std::int32_t reached = bandRows + 2 * source.census.largestReach();

@@ -24,6 +24,11 @@ inline constexpr std::int32_t TilesDown(std::int32_t rows) {
     return (rows + kTileRows - 1) / kTileRows;
 }
 
+/// Rows of these tiles.
+inline constexpr std::int32_t WholeTiles(std::int32_t rows) {
+    return TilesDown(rows) * kTileRows;
+}
+
 /// Tiles of a band; the ends lie behind the last.
 struct TileRange {
     std::int32_t firstRow = 0;
@@ -111,7 +116,8 @@ class BandForm {
     virtual std::int32_t steps(const GlowBand& band) const = 0;
     /// The work of a step, in a unit of the form's own.
     virtual double work(const GlowBand& band, std::int32_t index) const = 0;
-    /// Steps 0 to steps - 1 of a band that starts as zeros, in order.
+    /// Steps 0 to steps - 1 of a band that starts as zeros, or as what the bands above have left in
+    /// it where they slide, in order.
     /// \throws std::bad_alloc
     virtual void step(GlowBand& band, std::int32_t index) = 0;
 };
@@ -123,8 +129,8 @@ class BandForm {
 std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source, StampCache& cache,
                                         std::int32_t bandRows);
 
-/// The same, but the stamps of every recurring run are summed once and added as one. Needs the
-/// census's sums of runs.
+/// Like that, but the stamps of every recurring run are summed once and added as one, which gives
+/// other bits and no more roundings. Needs the census's sums of runs.
 /// \throws std::bad_alloc
 std::unique_ptr<BandForm> MakeRunCacheForm(const StampSource& source, StampCache& cache,
                                            std::int32_t bandRows);

@@ -26,9 +26,8 @@ const StampBox& StampCache::make(std::size_t place) {
     if (!memory_) memory_ = std::make_unique_for_overwrite<float[]>(floats_);
     float* const memory = memory_.get() + used_;
     const std::size_t floats = StampFloats(sizes_[place]);
-    used_ += floats;
-    std::fill_n(memory, floats, 0.0f);
     boxes_[place] = MakeStamp(texels_, sizes_[place], memory);
+    used_ += floats;
     if (step_ == 0.0) return boxes_[place];
     for (float* texel = memory; texel != memory + floats; ++texel) {
         *texel = static_cast<float>(std::nearbyint(static_cast<double>(*texel) / step_) * step_);
@@ -38,10 +37,9 @@ const StampBox& StampCache::make(std::size_t place) {
 
 StampBox StampCache::makeRun(std::int32_t place, std::int32_t copies) {
     if (!runMemory_) runMemory_ = std::make_unique_for_overwrite<float[]>(runFloats_);
-    float* const memory = runMemory_.get() + runsUsed_;
-    const std::size_t floats = RunFloats(sizes_[static_cast<std::size_t>(place)], copies);
-    runsUsed_ += floats;
-    return SumRun(kernels_, stamp(place), copies, memory);
+    const StampBox run = SumRun(kernels_, stamp(place), copies, runMemory_.get() + runsUsed_);
+    runsUsed_ += RunFloats(sizes_[static_cast<std::size_t>(place)], copies);
+    return run;
 }
 
 }  // namespace vireon

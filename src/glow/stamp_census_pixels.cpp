@@ -215,7 +215,7 @@ void StampCensus::sumRecurring() {
         for (std::int32_t length = 2; length <= kMostCopies; ++length) {
             if (!isRecurring(number - 1, length)) continue;
             const double times = runCounts_[runIndex(number, length)];
-            runFloats_ += RunFloats(size, length);
+            runSumFloats_ += RunFloats(size, length);
             sparedTexels_ += times * (length - 1) * size.texels();
         }
     }

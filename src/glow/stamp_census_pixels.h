@@ -99,7 +99,7 @@ class StampCensus {
         return length > 1 && runCounts_[runIndex(place + 1, length)] >= kFewestRecurring;
     }
     /// Floats that the sums of all recurring runs take, and whether they are few enough.
-    std::size_t runFloats() const { return runFloats_; }
+    std::size_t runSumFloats() const { return runSumFloats_; }
     bool hasRunSums() const;
     /// Texels that need not be added when these sums are.
     double sparedTexels() const { return sparedTexels_; }
@@ -178,7 +178,7 @@ class StampCensus {
     float largestScale_ = 0.0f;
     std::int32_t largestReach_ = 0;
     std::size_t stampFloats_ = 0;
-    std::size_t runFloats_ = 0;
+    std::size_t runSumFloats_ = 0;
     bool hasSizes_ = true;
     bool hasCorners_ = true;
     bool hasRuns_ = true;
@@ -211,7 +211,7 @@ inline constexpr std::size_t kMostStampBytes = std::size_t{8} << 20;
 inline constexpr std::size_t kMostRunBytes = std::size_t{2} << 20;
 
 inline bool StampCensus::hasRunSums() const {
-    return hasSizes() && runFloats_ <= kMostRunBytes / sizeof(float);
+    return hasSizes() && runSumFloats_ <= kMostRunBytes / sizeof(float);
 }
 
 inline bool StampCensus::stampsFit() const {

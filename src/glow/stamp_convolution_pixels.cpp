@@ -21,10 +21,6 @@ constexpr std::ptrdiff_t kSlidingBytes = std::ptrdiff_t{3} << 19;
 // Of a band that slides.
 constexpr std::int32_t kSlidingRows = kTileRows;
 
-constexpr std::int32_t WholeTiles(std::int32_t rows) {
-    return TilesDown(rows) * kTileRows;
-}
-
 // A picture that the caches of many processors do not hold: writing it past them spares reading it.
 constexpr std::ptrdiff_t kStreamedBytes = std::ptrdiff_t{16} << 20;
 
@@ -147,7 +143,7 @@ double StampConvolution::costOf(const StampCensus& census, ConvolutionForm form)
         case ConvolutionForm::kRunCache:
             if (!census.hasRunSums()) return kNever;
             return costOf(census, ConvolutionForm::kCache) - kSparedCost * census.sparedTexels() +
-                   kSumRunCost * static_cast<double>(census.runFloats());
+                   kSumRunCost * static_cast<double>(census.runSumFloats());
         case ConvolutionForm::kDirect: return census.texels() + kEvaluateCost * census.runTexels();
         case ConvolutionForm::kRuns:
             if (!census.hasCorners() || !runsAreExact_) return kNever;
@@ -181,10 +177,13 @@ std::int32_t StampConvolution::shapeBands(std::ptrdiff_t stride) {
         reach = std::max<std::int64_t>(reach, work_[c].census->largestReach());
     }
     const std::int64_t rows = kSlidingRows + 2 * reach;
-    slides_ = rows < imageRows && rows * rowBytes * planes <= kSlidingBytes;
-    if (slides_) {
-        bandRows_ = kSlidingRows;
-        return WholeTiles(static_cast<std::int32_t>(rows));
+    if (rows < imageRows) {
+        const std::int32_t planeRows = WholeTiles(static_cast<std::int32_t>(rows));
+        slides_ = planeRows < imageRows && planeRows * rowBytes * planes <= kSlidingBytes;
+        if (slides_) {
+            bandRows_ = kSlidingRows;
+            return planeRows;
+        }
     }
     bandRows_ = static_cast<std::int32_t>(std::clamp<std::ptrdiff_t>(
         kBandBytes / rowBytes / kTileRows * kTileRows, kTileRows, imageRows));
@@ -304,7 +303,7 @@ void StampConvolution::writeTiles(std::int32_t firstRow, std::int32_t rows) {
     const std::int32_t width = destination_.width;
     stretches_.clear();
     for (std::int32_t column = 0; column < width; column += kTileColumns) {
-        Stretch next{column, std::min(kTileColumns, width - column), {}};
+        TileStretch next{column, std::min(kTileColumns, width - column), {}};
         for (std::int32_t c = 0; c < kChannels; ++c) {
             next.holds[c] =
                 work_[c].form && work_[c].band.tileRow(firstRow)[column / kTileColumns] != 0;
@@ -313,12 +312,12 @@ void StampConvolution::writeTiles(std::int32_t firstRow, std::int32_t rows) {
             stretches_.push_back(next);
             continue;
         }
-        Stretch& last = stretches_.back();
+        TileStretch& last = stretches_.back();
         last.columns += next.columns;
         for (std::int32_t c = 0; c < kChannels; ++c) last.holds[c] |= next.holds[c];
     }
     for (std::int32_t y = firstRow; y < firstRow + rows; ++y) {
-        for (const Stretch& stretch : stretches_) {
+        for (const TileStretch& stretch : stretches_) {
             float* const pixels = destination_.pixel(stretch.firstColumn, y);
             if (stretch.isEmpty()) {
                 kernels_.stamps.clearPixels(pixels, stretch.columns, streams_);

@@ -51,7 +51,7 @@ class StampConvolution {
     };
 
     /// Tiles side by side that hold something, or that hold nothing.
-    struct Stretch {
+    struct TileStretch {
         std::int32_t firstColumn;
         std::int32_t columns;
         bool holds[kChannels];
@@ -95,7 +95,7 @@ class StampConvolution {
     std::int32_t step_ = 0;
     double writeCost_ = 0.0;
     bool streams_ = false;
-    std::vector<Stretch> stretches_;
+    std::vector<TileStretch> stretches_;
     std::int32_t writtenRows_ = 0;
     std::unique_ptr<RangesForm> ranges_;
 };

@@ -8,12 +8,8 @@
 namespace vireon {
 namespace {
 
-// A run is added as one copy, which reads less than a vector beyond the ends of its rows.
-constexpr std::ptrdiff_t kRunMargin = simd::kPlaneBlock;
-static_assert(kRunMargin <= simd::kStampMargin);
-
 std::ptrdiff_t RunStride(std::int32_t columns, std::int32_t copies) {
-    return columns + copies - 1 + kRunMargin;
+    return columns + copies - 1 + simd::kStampMargin;
 }
 
 }  // namespace
@@ -81,9 +77,14 @@ StampBox MakeStamp(StampTexels& texels, StampSize size, float* memory) {
     std::int32_t bottom = -1;
     std::int32_t left = side;
     std::int32_t right = -1;
+    std::fill_n(memory, simd::kStampMargin, 0.0f);
     for (std::int32_t y = 0; y < side; ++y) {
         float* row = first + y * box.stride;
-        if (!texels.row(y - size.reach, row)) continue;
+        std::fill_n(row + side, simd::kStampMargin, 0.0f);
+        if (!texels.row(y - size.reach, row)) {
+            std::fill_n(row, side, 0.0f);
+            continue;
+        }
         const auto isSet = [](float texel) { return texel != 0.0f; };
         const float* begin = std::find_if(row, row + side, isSet);
         if (begin == row + side) continue;
@@ -105,7 +106,7 @@ StampBox MakeStamp(StampTexels& texels, StampSize size, float* memory) {
 
 std::size_t RunFloats(StampSize size, std::int32_t copies) {
     const std::ptrdiff_t stride = RunStride(size.side(), copies);
-    return static_cast<std::size_t>(stride * size.side() + kRunMargin);
+    return static_cast<std::size_t>(stride * size.side() + simd::kStampMargin);
 }
 
 StampBox SumRun(const simd::KernelTable& kernels, const StampBox& stamp, std::int32_t copies,
@@ -113,12 +114,12 @@ StampBox SumRun(const simd::KernelTable& kernels, const StampBox& stamp, std::in
     StampBox run = stamp;
     run.columns = stamp.columns + copies - 1;
     run.stride = RunStride(stamp.columns, copies);
-    run.texels = memory + kRunMargin;
-    std::fill_n(memory, kRunMargin, 0.0f);
+    run.texels = memory + simd::kStampMargin;
+    std::fill_n(memory, simd::kStampMargin, 0.0f);
     for (std::int32_t y = 0; y < run.rows; ++y) {
-        float* const row = memory + kRunMargin + y * run.stride;
+        float* const row = memory + simd::kStampMargin + y * run.stride;
         kernels.stamps.sumCopies(stamp.texels + y * stamp.stride, copies, row, run.columns);
-        std::fill_n(row + run.columns, kRunMargin, 0.0f);
+        std::fill_n(row + run.columns, simd::kStampMargin, 0.0f);
     }
     return run;
 }

@@ -51,7 +51,7 @@ struct StampBox {
 /// Floats that a stamp of a size takes with its margins.
 std::size_t StampFloats(StampSize size);
 
-/// Evaluates a whole stamp into `memory` of `StampFloats` zeros.
+/// Evaluates a whole stamp into `memory` of `StampFloats`.
 StampBox MakeStamp(StampTexels& texels, StampSize size, float* memory);
 
 /// Floats that the sum of stamps of a size at so many neighbouring columns takes with its margins.

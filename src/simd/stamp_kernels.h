@@ -7,7 +7,7 @@ namespace vireon::simd {
 
 /// Zero texels before the first row of a stamp, between its rows and after the last one: what the
 /// kernels may read beyond a row's ends.
-inline constexpr std::int32_t kStampMargin = 24;
+inline constexpr std::int32_t kStampMargin = 16;
 
 /// Floats that the rows of a plane are a multiple of, so that whole vectors may be written up to
 /// the row's end.

@@ -535,26 +535,28 @@ TEST(StampConvolution, RunsAndGapsOfAnyLength) {
     check(few, 900.0f, Form::kDirect);
 }
 
-// Runs of more pixels than a kept run can count. Without kept runs, rows that several bands reach
-// are kept instead.
+// Runs of more pixels than a kept run can count. Instead, rows that several bands reach are kept of
+// the higher picture; of the other one they are read again.
 TEST(StampConvolution, RowsTooLongForKeptRuns) {
     Random random(20);
     const GlowKernel kernel = RandomKernel(random, 9, 9);
     const ChannelFlags channels{{false, true, false, true}};
-    Picture source(66001, 60);
-    for (std::int32_t x = 0; x < source.width(); ++x) source.at(x, 13, kRed) = 1.0f;
-    for (int i = 0; i < 2000; ++i) {
-        source.at(random.whole(0, 66000), random.whole(0, 59), kBlue) =
-            static_cast<float>(random.whole(0, 9)) / 9.0f;
-    }
     const Splat splat = SplatOf(kernel, 3.0f);
-    const Picture plain = PlainGlow(source, splat, channels);
-    for (const Form form : {Form::kCache, Form::kDirect}) {
-        for (const simd::Level level : FastLevels()) {
-            const Fast fast = FastGlow(level, form, source, splat, channels);
-            EXPECT_EQ(fast.report.channels[kRed].form, form);
-            EXPECT_TRUE(SameBits(fast.glow, plain))
-                << FormName(form) << ' ' << simd::LevelName(level);
+    for (const std::int32_t height : {60, 40}) {
+        Picture source(66001, height);
+        for (std::int32_t x = 0; x < source.width(); ++x) source.at(x, 13, kRed) = 1.0f;
+        for (int i = 0; i < 2000; ++i) {
+            source.at(random.whole(0, 66000), random.whole(0, height - 1), kBlue) =
+                static_cast<float>(random.whole(0, 9)) / 9.0f;
+        }
+        const Picture plain = PlainGlow(source, splat, channels);
+        for (const Form form : {Form::kCache, Form::kDirect}) {
+            for (const simd::Level level : FastLevels()) {
+                const Fast fast = FastGlow(level, form, source, splat, channels);
+                EXPECT_EQ(fast.report.channels[kRed].form, form);
+                EXPECT_TRUE(SameBits(fast.glow, plain))
+                    << FormName(form) << ' ' << simd::LevelName(level) << ' ' << height;
+            }
         }
     }
 }
@@ -582,8 +584,7 @@ TEST(StampConvolution, LargeStampsInPicturesOfSeveralBands) {
     }
 }
 
-// Too many runs to be kept. Of the higher picture rows are kept from band to band, of the other
-// one they are read again.
+// Too many runs to be kept.
 TEST(StampConvolution, NoiseInPicturesOfSeveralBands) {
     Random random(16);
     const GlowKernel kernel = RandomKernel(random, 12, 12);
