@@ -123,9 +123,10 @@ class CacheForm final : public RowByRowForm {
     CacheForm(const StampSource& source, StampCache& cache, std::int32_t bandRows, bool sumsRuns)
         : RowByRowForm(source),
           cache_(cache),
-          places_(cache.add(source.census.sizes())),
+          places_(source.census.sizes().size(), kPassing),
           pieces_(places_.size() * kMostCopies),
           sumsRuns_(sumsRuns) {
+        addSizes(/*all=*/bandRows > 0);
         if (sumsRuns) cache.reserveRuns(source.census.runSumFloats());
         if (source.census.hasRuns()) return;
         // Half a byte a pixel of each channel, at most.
@@ -167,8 +168,31 @@ class CacheForm final : public RowByRowForm {
         }
     }
 
+    // Where bands slide, every run is looked at once: a stamp that no other run has need not be
+    // kept.
+    void addSizes(bool all) {
+        const StampCensus& census = source().census;
+        std::vector<StampSize> kept;
+        std::vector<std::size_t> numbers;
+        for (std::size_t i = 0; i < places_.size(); ++i) {
+            if (!all && !census.isShared(static_cast<std::int32_t>(i))) continue;
+            kept.push_back(census.sizes()[i]);
+            numbers.push_back(i);
+        }
+        const std::vector<std::int32_t> places = cache_.add(kept);
+        for (std::size_t i = 0; i < numbers.size(); ++i) places_[numbers[i]] = places[i];
+    }
+
     void addRun(GlowBand& band, std::int32_t y, std::int32_t x, std::int32_t run,
                 std::int32_t size) {
+        if (places_[static_cast<std::size_t>(size)] == kPassing) {
+            const StampBox box = cache_.passingStamp(source().census.sizeAt(size));
+            for (std::int32_t copies = 0; run > 0; x += copies, run -= copies) {
+                copies = std::min(run, kMostCopies);
+                addCopies(band, y, x, copies, box);
+            }
+            return;
+        }
         while (run > 0) {
             const std::int32_t length = std::min(run, kMostCopies);
             Piece& piece = pieces_[static_cast<std::size_t>(size * kMostCopies + length - 1)];
@@ -209,7 +233,9 @@ class CacheForm final : public RowByRowForm {
     }
 
     StampCache& cache_;
-    std::vector<std::int32_t> places_;  ///< in the cache, of the census's sizes
+    static constexpr std::int32_t kPassing = -1;
+
+    std::vector<std::int32_t> places_;  ///< in the cache, of the census's sizes, or kPassing
     std::vector<Piece> pieces_;         ///< of each size and length, made when first asked for
     bool sumsRuns_;
     std::optional<StampPlaces> rows_;  ///< where the census has kept no runs

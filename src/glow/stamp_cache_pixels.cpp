@@ -35,6 +35,12 @@ const StampBox& StampCache::make(std::size_t place) {
     return boxes_[place];
 }
 
+StampBox StampCache::passingStamp(StampSize size) {
+    const std::size_t floats = StampFloats(size);
+    if (passing_.size() < floats) passing_.resize(floats);
+    return MakeStamp(texels_, size, passing_.data());
+}
+
 StampBox StampCache::makeRun(std::int32_t place, std::int32_t copies) {
     if (!runMemory_) runMemory_ = std::make_unique_for_overwrite<float[]>(runFloats_);
     const StampBox run = SumRun(kernels_, stamp(place), copies, runMemory_.get() + runsUsed_);

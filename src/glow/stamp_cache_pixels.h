@@ -33,6 +33,10 @@ class StampCache {
         return box.stride != 0 ? box : make(static_cast<std::size_t>(place));
     }
 
+    /// A stamp that is not kept, where it lies until the next one is asked for.
+    /// \throws std::bad_alloc
+    StampBox passingStamp(StampSize size);
+
     /// Makes room for the runs that a channel will ask for, before the first one.
     void reserveRuns(std::size_t floats) { runFloats_ += floats; }
 
@@ -67,6 +71,7 @@ class StampCache {
     std::size_t runFloats_ = 0;
     std::unique_ptr<float[]> runMemory_;
     std::size_t runsUsed_ = 0;
+    std::vector<float> passing_;
     double step_ = 0.0;
 };
 

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <numeric>
 
 #include "glow/stamp_texels_pixels.h"
 #include "simd/kernel_table.h"
@@ -206,6 +207,11 @@ void StampCensus::keepRuns() {
         }
     }
     if (hasRuns_) runRows_.push_back(runs_.size());
+}
+
+bool StampCensus::isShared(std::int32_t place) const {
+    const auto counts = runCounts_.begin() + static_cast<std::ptrdiff_t>(runIndex(place + 1, 0));
+    return std::accumulate(counts, counts + kMostCopies, 0) > 1;
 }
 
 void StampCensus::sumRecurring() {

@@ -98,6 +98,8 @@ class StampCensus {
     bool isRecurring(std::int32_t place, std::int32_t length) const {
         return length > 1 && runCounts_[runIndex(place + 1, length)] >= kFewestRecurring;
     }
+    /// Whether a size's place makes up more than one run.
+    bool isShared(std::int32_t place) const;
     /// Floats that the sums of all recurring runs take, and whether they are few enough.
     std::size_t runSumFloats() const { return runSumFloats_; }
     bool hasRunSums() const;
