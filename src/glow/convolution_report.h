@@ -10,9 +10,9 @@ enum class ConvolutionForm {
     kPlain,     ///< `SplatRow`
     kCache,     ///< every size's stamp is evaluated once; the bits of the plain form
     kRunCache,  ///< and short runs of equal stamps that recur are summed once: other bits
-    kDirect,  ///< every stamp, or run of equal ones, is evaluated anew; the bits of the plain form
-    kRuns,    ///< by the corners of areas of equal light, exact but for the last rounding
-    kRanges,  ///< by size, where many stamps of nearly one size share a quadratic
+    kDirect,    ///< each run of equal stamps is evaluated anew; the bits of the plain form
+    kRuns,      ///< by the corners of areas of equal light, exact but for the last rounding
+    kRanges,    ///< by size, where many stamps of nearly one size share a quadratic
 };
 
 /// "none", "plain", "stamp cache", "run cache", "direct", "runs" or "ranges".

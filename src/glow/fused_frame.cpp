@@ -57,8 +57,7 @@ bool Overlap(const RasterLayout& a, const RasterLayout& b) {
     return std::less<>()(beginA, endB) && std::less<>()(beginB, endA);
 }
 
-// Some pixels of one row.
-/// Pixels side by side.
+/// Some pixels of one row.
 struct Span {
     std::int32_t x;
     std::int32_t y;

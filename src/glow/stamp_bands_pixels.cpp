@@ -120,20 +120,24 @@ class StampPlaces {
 
 class CacheForm final : public RowByRowForm {
   public:
-    CacheForm(const StampSource& source, StampCache& cache, std::int32_t bandRows, bool sumsRuns)
+    CacheForm(const StampSource& source, StampCache& cache, const CacheUse& use)
         : RowByRowForm(source),
           cache_(cache),
           places_(source.census.sizes().size(), kPassing),
           pieces_(places_.size() * kMostCopies),
-          sumsRuns_(sumsRuns) {
-        addSizes(/*all=*/bandRows > 0);
-        if (sumsRuns) cache.reserveRuns(source.census.runSumFloats());
-        if (source.census.hasRuns()) return;
+          sumsRuns_(use.sumsRuns) {
+        const StampCensus& census = source.census;
+        for (std::size_t i = 0; i < places_.size(); ++i) {
+            // Where bands slide, every run is looked at once.
+            const bool isKept = !use.slides || census.isShared(static_cast<std::int32_t>(i));
+            if (isKept) places_[i] = cache.add(census.sizes()[i]);
+        }
+        if (use.sumsRuns) cache.reserveRuns(census.runSumFloats());
+        if (census.hasRuns()) return;
         // Half a byte a pixel of each channel, at most.
-        const std::int32_t reached = bandRows + 2 * source.census.largestReach();
-        const bool keeps = bandRows > 0 && reached <= source.image.height / 4;
-        const std::int32_t kept = keeps ? reached : 1;
-        rows_.emplace(source, kept);
+        const std::int32_t reached = use.bandRows + 2 * census.largestReach();
+        const bool keepsRows = !use.slides && reached <= source.image.height / 4;
+        rows_.emplace(source, keepsRows ? reached : 1);
     }
 
   protected:
@@ -150,6 +154,8 @@ class CacheForm final : public RowByRowForm {
     }
 
   private:
+    static constexpr std::int32_t kPassing = -1;
+
     /// How a run of a size and length is added.
     struct Piece {
         const StampBox* box = nullptr;
@@ -166,21 +172,6 @@ class CacheForm final : public RowByRowForm {
             if (place == StampPlaces::kNone) continue;
             addRun(band, y, begin, x - begin, place);
         }
-    }
-
-    // Where bands slide, every run is looked at once: a stamp that no other run has need not be
-    // kept.
-    void addSizes(bool all) {
-        const StampCensus& census = source().census;
-        std::vector<StampSize> kept;
-        std::vector<std::size_t> numbers;
-        for (std::size_t i = 0; i < places_.size(); ++i) {
-            if (!all && !census.isShared(static_cast<std::int32_t>(i))) continue;
-            kept.push_back(census.sizes()[i]);
-            numbers.push_back(i);
-        }
-        const std::vector<std::int32_t> places = cache_.add(kept);
-        for (std::size_t i = 0; i < numbers.size(); ++i) places_[numbers[i]] = places[i];
     }
 
     void addRun(GlowBand& band, std::int32_t y, std::int32_t x, std::int32_t run,
@@ -233,8 +224,6 @@ class CacheForm final : public RowByRowForm {
     }
 
     StampCache& cache_;
-    static constexpr std::int32_t kPassing = -1;
-
     std::vector<std::int32_t> places_;  ///< in the cache, of the census's sizes, or kPassing
     std::vector<Piece> pieces_;         ///< of each size and length, made when first asked for
     bool sumsRuns_;
@@ -338,7 +327,7 @@ class RunsForm final : public BandForm {
         const double pixels = static_cast<double>(source.image.width) * source.image.height;
         // Four differences of a pixel's sum at most are under way at a time.
         const double bound = 4.0 * std::min(side * side, pixels) * LargestTexel(source.splat);
-        cache_.add(source.census.sizes());
+        for (const StampSize size : source.census.sizes()) cache_.add(size);
         cache_.setStep(std::ldexp(1.0, std::ilogb(bound) + 1 - 52));
     }
 
@@ -445,13 +434,8 @@ std::ptrdiff_t BandStride(std::int32_t width) {
 }
 
 std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source, StampCache& cache,
-                                        std::int32_t bandRows) {
-    return std::make_unique<CacheForm>(source, cache, bandRows, false);
-}
-
-std::unique_ptr<BandForm> MakeRunCacheForm(const StampSource& source, StampCache& cache,
-                                           std::int32_t bandRows) {
-    return std::make_unique<CacheForm>(source, cache, bandRows, true);
+                                        const CacheUse& use) {
+    return std::make_unique<CacheForm>(source, cache, use);
 }
 
 std::unique_ptr<BandForm> MakeDirectForm(const StampSource& source) {

@@ -122,18 +122,20 @@ class BandForm {
     virtual void step(GlowBand& band, std::int32_t index) = 0;
 };
 
+/// How a form goes through the stamps of a cache.
+struct CacheUse {
+    std::int32_t bandRows;  ///< rows of a band, at most
+    bool slides;            ///< whether bands slide
+    bool sumsRuns;          ///< whether the stamps of recurring runs are summed once
+};
+
 /// Every size's stamp is evaluated once and added pixel by pixel in the source's order, which gives
-/// the bits of `SplatRow`. Needs the census's sizes; refers to the cache.
-/// \param bandRows  rows of a band, at most; 0 where bands slide
+/// the bits of `SplatRow`. Where runs are summed each is added as one, which gives other bits and
+/// no more roundings. Needs the census's sizes, and its sums of runs for these; refers to the
+/// cache.
 /// \throws std::bad_alloc
 std::unique_ptr<BandForm> MakeCacheForm(const StampSource& source, StampCache& cache,
-                                        std::int32_t bandRows);
-
-/// Like that, but the stamps of every recurring run are summed once and added as one, which gives
-/// other bits and no more roundings. Needs the census's sums of runs.
-/// \throws std::bad_alloc
-std::unique_ptr<BandForm> MakeRunCacheForm(const StampSource& source, StampCache& cache,
-                                           std::int32_t bandRows);
+                                        const CacheUse& use);
 
 /// Every run of equal stamps is evaluated row by row and added in the source's order, which gives
 /// the bits of `SplatRow`.

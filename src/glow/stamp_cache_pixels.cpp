@@ -6,20 +6,15 @@
 
 namespace vireon {
 
-std::vector<std::int32_t> StampCache::add(const std::vector<StampSize>& sizes) {
-    std::vector<std::int32_t> places;
-    places.reserve(sizes.size());
-    for (const StampSize size : sizes) {
-        const auto next = static_cast<std::int32_t>(sizes_.size());
-        const auto [found, isNew] =
-            places_.try_emplace(std::bit_cast<std::uint32_t>(size.scale), next);
-        places.push_back(found->second);
-        if (!isNew) continue;
+std::int32_t StampCache::add(StampSize size) {
+    const auto next = static_cast<std::int32_t>(sizes_.size());
+    const auto [found, isNew] = places_.try_emplace(std::bit_cast<std::uint32_t>(size.scale), next);
+    if (isNew) {
         sizes_.push_back(size);
+        boxes_.emplace_back();
         floats_ += StampFloats(size);
     }
-    boxes_.resize(sizes_.size());
-    return places;
+    return found->second;
 }
 
 const StampBox& StampCache::make(std::size_t place) {

@@ -20,11 +20,10 @@ class StampCache {
     StampCache(const simd::KernelTable& kernels, const Splat& splat)
         : kernels_(kernels), texels_(kernels, splat) {}
 
-    /// Takes in a channel's sizes, those that are new. All sizes come before the first stamp is
-    /// asked for.
-    /// \return the place of each in the cache
+    /// Takes in a size, if it is new. All sizes come before the first stamp is asked for.
+    /// \return its place in the cache, one after the other from 0 for new ones
     /// \throws std::bad_alloc
-    std::vector<std::int32_t> add(const std::vector<StampSize>& sizes);
+    std::int32_t add(StampSize size);
 
     /// The stamp at a place; stays where it is as long as the cache does.
     /// \throws std::bad_alloc

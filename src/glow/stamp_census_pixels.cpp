@@ -76,7 +76,7 @@ StampCensus::StampCensus(const Splat& splat, std::int32_t width, std::int32_t he
       // The first mark of a row, one a pixel and one right of the last.
       marks_(static_cast<std::size_t>(width) + 2),
       slots_(kSlots, Slot{0, kEmpty}),
-      runCounts_(runIndex(1, 0), 0),
+      runCounts_(runIndex(0, 0), 0),
       above_(static_cast<std::size_t>(width), kNoStamp),
       row_(static_cast<std::size_t>(width), kNoStamp),
       blocksAbove_(LightBlocks(width), 0),
@@ -109,7 +109,7 @@ std::int32_t StampCensus::placeOf(std::uint32_t key) {
     stampTexels_ += size.texels();
     slot = {key, static_cast<std::int32_t>(sizes_.size())};
     sizes_.push_back(size);
-    runCounts_.resize(runIndex(static_cast<std::int32_t>(sizes_.size()) + 1, 0));
+    runCounts_.resize(runIndex(static_cast<std::int32_t>(sizes_.size()), 0));
     return slot.place;
 }
 
@@ -138,10 +138,10 @@ void StampCensus::addStretch(const float* row, const LitBlocks& blocks) {
     constexpr std::uint64_t kOneChannel = 0x1111111111111111;
     const float* const values = row + channel_;
     for (std::size_t i = 0; i < blocks.places.size(); ++i) {
-        const std::int32_t place = blocks.places[i];
-        if ((blocks.flags[static_cast<std::size_t>(place)] >> channel_ & 1) == 0) continue;
-        const std::int32_t begin = place * kLightBlock;
-        if (begin != blocksEnd_) mark(blocksEnd_, 0, 0);
+        const std::int32_t block = blocks.places[i];
+        if ((blocks.flags[static_cast<std::size_t>(block)] >> channel_ & 1) == 0) continue;
+        const std::int32_t begin = block * kLightBlock;
+        if (begin != blocksEnd_) mark(blocksEnd_, 0, kNoStamp);
         blocksEnd_ = std::min(begin + kLightBlock, width_);
         // What equals a pixel without a stamp has none either, be that one of another block.
         std::uint64_t changes = blocks.changes[i] >> channel_ & kOneChannel;
@@ -149,21 +149,21 @@ void StampCensus::addStretch(const float* row, const LitBlocks& blocks) {
             const std::int32_t x = begin + std::countr_zero(changes) / kChannels;
             const std::uint32_t key =
                 StampKeyOf(values[static_cast<std::ptrdiff_t>(x) * kChannels], splat_);
-            mark(x, key, hasSizes_ ? placeOf(key) + 1 : 0);
+            mark(x, key, hasSizes_ ? placeOf(key) : kNoStamp);
         }
     }
 }
 
 // Values that make no stamp, or stamps of the largest size, differ without ending a run.
-void StampCensus::mark(std::int32_t x, std::uint32_t key, std::int32_t number) {
+void StampCensus::mark(std::int32_t x, std::uint32_t key, std::int32_t place) {
     const bool isNew = marks_[lastMark_].key != key;
     lastMark_ += isNew ? 1 : 0;
     Mark& last = marks_[lastMark_];
-    last = {isNew ? x : last.x, key, number};
+    last = {isNew ? x : last.x, key, place};
 }
 
 void StampCensus::endRow(const LitBlocks& blocks) {
-    mark(blocksEnd_, 0, 0);
+    mark(blocksEnd_, 0, kNoStamp);
     blocksEnd_ = 0;
     std::int64_t stamps = 0;
     double texels = 0.0;
@@ -198,29 +198,28 @@ void StampCensus::keepRuns() {
     if (hasRuns_) runs_.resize(runs_.size() + lastMark_);
     StampRun* const kept = hasRuns_ ? runs_.data() + runs_.size() - lastMark_ : nullptr;
     for (std::size_t i = 0; i < lastMark_; ++i) {
-        const std::int32_t number = marks_[i].number;
+        const std::int32_t place = marks_[i].place;
         const std::int32_t length = marks_[i + 1].x - marks_[i].x;
-        runCounts_[runIndex(number, length % kMostCopies)] += 1;
-        runCounts_[runIndex(number, kMostCopies)] += length / kMostCopies;
+        runCounts_[runIndex(place, length % kMostCopies)] += 1;
+        runCounts_[runIndex(place, kMostCopies)] += length / kMostCopies;
         if (hasRuns_) {
-            kept[i] = {static_cast<std::uint16_t>(length), static_cast<std::uint16_t>(number)};
+            kept[i] = {static_cast<std::uint16_t>(length), static_cast<std::uint16_t>(place + 1)};
         }
     }
     if (hasRuns_) runRows_.push_back(runs_.size());
 }
 
 bool StampCensus::isShared(std::int32_t place) const {
-    const auto counts = runCounts_.begin() + static_cast<std::ptrdiff_t>(runIndex(place + 1, 0));
+    const auto counts = runCounts_.begin() + static_cast<std::ptrdiff_t>(runIndex(place, 0));
     return std::accumulate(counts, counts + kMostCopies, 0) > 1;
 }
 
 void StampCensus::sumRecurring() {
-    for (std::size_t place = 0; place < sizes_.size(); ++place) {
-        const StampSize size = sizes_[place];
-        const auto number = static_cast<std::int32_t>(place) + 1;
+    for (std::int32_t place = 0; place < static_cast<std::int32_t>(sizes_.size()); ++place) {
+        const StampSize size = sizeAt(place);
         for (std::int32_t length = 2; length <= kMostCopies; ++length) {
-            if (!isRecurring(number - 1, length)) continue;
-            const double times = runCounts_[runIndex(number, length)];
+            if (!isRecurring(place, length)) continue;
+            const double times = runCounts_[runIndex(place, length)];
             runSumFloats_ += RunFloats(size, length);
             sparedTexels_ += times * (length - 1) * size.texels();
         }
@@ -236,7 +235,7 @@ void StampCensus::addRowOfCorners(const LitBlocks& blocks) {
     litAbove_ = blocks.any;
     std::copy(blocks.flags.begin(), blocks.flags.end(), blocks_.begin());
     for (std::size_t i = 0; i < lastMark_; ++i) {
-        std::fill(row_.begin() + marks_[i].x, row_.begin() + marks_[i + 1].x, marks_[i].number - 1);
+        std::fill(row_.begin() + marks_[i].x, row_.begin() + marks_[i + 1].x, marks_[i].place);
     }
     addCorners();
     if (hasCorners_ && rows_ == height_) addCorners();

@@ -96,7 +96,7 @@ class StampCensus {
     /// Whether runs of a size's place and of a length, 1 to `simd::kMostCopies`, recur so often
     /// that their stamps are worth being summed once. Longer runs count as several.
     bool isRecurring(std::int32_t place, std::int32_t length) const {
-        return length > 1 && runCounts_[runIndex(place + 1, length)] >= kFewestRecurring;
+        return length > 1 && runCounts_[runIndex(place, length)] >= kFewestRecurring;
     }
     /// Whether a size's place makes up more than one run.
     bool isShared(std::int32_t place) const;
@@ -145,20 +145,20 @@ class StampCensus {
     /// ends it.
     struct Mark {
         std::int32_t x;
-        std::uint32_t key;    ///< of the size, see `StampKeyOf`
-        std::int32_t number;  ///< its size's place and 1, 0 for no stamp; while there are sizes
+        std::uint32_t key;        ///< of the size, see `StampKeyOf`
+        std::int32_t place = -1;  ///< of its size while there are sizes, -1 for no stamp
     };
 
     static constexpr std::int32_t kFewestRecurring = 16;
 
-    static std::size_t runIndex(std::int32_t number, std::int32_t length) {
-        return static_cast<std::size_t>(number) * (simd::kMostCopies + 1) +
+    static std::size_t runIndex(std::int32_t place, std::int32_t length) {
+        return static_cast<std::size_t>(place + 1) * (simd::kMostCopies + 1) +
                static_cast<std::size_t>(length);
     }
     std::size_t slotOf(std::uint32_t key) const;
     std::int32_t placeOf(std::uint32_t key);
     bool stampsFit() const;
-    void mark(std::int32_t x, std::uint32_t key, std::int32_t number);
+    void mark(std::int32_t x, std::uint32_t key, std::int32_t place);
     void keepRuns();
     void sumRecurring();
     void addRowOfCorners(const LitBlocks& blocks);

@@ -167,23 +167,20 @@ double StampConvolution::costOf(const StampCensus& census, ConvolutionForm form)
 std::int32_t StampConvolution::shapeBands(std::ptrdiff_t stride) {
     const std::ptrdiff_t rowBytes = stride * static_cast<std::ptrdiff_t>(sizeof(float));
     const std::int32_t imageRows = WholeTiles(source_.height);
-    std::int64_t reach = 0;
+    std::int32_t reach = 0;
     std::ptrdiff_t planes = 0;
     for (std::int32_t c = 0; c < kChannels; ++c) {
         const ConvolutionForm form = report_.channels[c].form;
         if (form == ConvolutionForm::kNone || form == ConvolutionForm::kRanges) continue;
         ++planes;
         if (form == ConvolutionForm::kRuns) continue;
-        reach = std::max<std::int64_t>(reach, work_[c].census->largestReach());
+        reach = std::max(reach, work_[c].census->largestReach());
     }
-    const std::int64_t rows = kSlidingRows + 2 * reach;
-    if (rows < imageRows) {
-        const std::int32_t planeRows = WholeTiles(static_cast<std::int32_t>(rows));
-        slides_ = planeRows < imageRows && planeRows * rowBytes * planes <= kSlidingBytes;
-        if (slides_) {
-            bandRows_ = kSlidingRows;
-            return planeRows;
-        }
+    const std::int32_t slidingRows = WholeTiles(kSlidingRows + 2 * std::min(reach, imageRows));
+    slides_ = slidingRows < imageRows && slidingRows * rowBytes * planes <= kSlidingBytes;
+    if (slides_) {
+        bandRows_ = kSlidingRows;
+        return slidingRows;
     }
     bandRows_ = static_cast<std::int32_t>(std::clamp<std::ptrdiff_t>(
         kBandBytes / rowBytes / kTileRows * kTileRows, kTileRows, imageRows));
@@ -207,10 +204,9 @@ void StampConvolution::startForms() {
         if (form != ConvolutionForm::kRuns) work.census->dropCorners();
         switch (form) {
             case ConvolutionForm::kCache:
-                work.form = MakeCacheForm(sourceOf(c), *cache_, slides_ ? 0 : bandRows_);
-                break;
             case ConvolutionForm::kRunCache:
-                work.form = MakeRunCacheForm(sourceOf(c), *cache_, slides_ ? 0 : bandRows_);
+                work.form = MakeCacheForm(sourceOf(c), *cache_,
+                                          {bandRows_, slides_, form == ConvolutionForm::kRunCache});
                 break;
             case ConvolutionForm::kDirect: work.form = MakeDirectForm(sourceOf(c)); break;
             case ConvolutionForm::kRuns: work.form = MakeRunsForm(sourceOf(c)); break;

@@ -20,22 +20,12 @@ struct StampSize {
     double texels() const { return static_cast<double>(side()) * static_cast<double>(side()); }
 };
 
-/// The stamp of a source value; see `SplatRow`.
-inline StampSize StampSizeOf(float value, const Splat& splat) {
-    const float scale = value * splat.radius;
-    const auto limit = static_cast<float>(splat.maxRadius);
-    if (std::isnan(scale) || scale < 1.0f) return {scale, 0};
-    // trunc(scale) + 1 > limit, without a conversion that a huge scale would overflow.
-    if (scale >= limit) return {limit, splat.maxRadius};
-    return {scale, static_cast<std::int32_t>(scale) + 1};
-}
-
 /// Tells the sizes of stamps apart, without a branch: the bits of the scale, 0 for no stamp.
 inline std::uint32_t StampKeyOf(float value, const Splat& splat) {
     const float scale = value * splat.radius;
     const auto limit = static_cast<float>(splat.maxRadius);
     const auto bits = std::bit_cast<std::uint32_t>(scale < limit ? scale : limit);
-    return scale >= 1.0f ? bits : 0;
+    return scale >= 1.0f ? bits : 0;  // NaN makes none
 }
 
 /// The size that has a key.
@@ -43,6 +33,11 @@ inline StampSize StampSizeOfKey(std::uint32_t key, const Splat& splat) {
     const auto scale = std::bit_cast<float>(key);
     const std::int32_t reach = std::min(static_cast<std::int32_t>(scale) + 1, splat.maxRadius);
     return {scale, key != 0 ? reach : 0};
+}
+
+/// The stamp of a source value; see `SplatRow`.
+inline StampSize StampSizeOf(float value, const Splat& splat) {
+    return StampSizeOfKey(StampKeyOf(value, splat), splat);
 }
 
 /// Between which two texels of a kernel's row or column a pixel lies, and how far from the first.

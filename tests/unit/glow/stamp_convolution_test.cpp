@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <initializer_list>
 #include <limits>
 #include <string>
 #include <vector>
@@ -206,6 +207,29 @@ void CheckAllForms(const Picture& source, const Splat& splat, const ChannelFlags
             EXPECT_LE(LargestError(first.glow, exact),
                       LargestError(plain, exact) + kDoubleRounding * peak)
                 << what;
+        }
+    }
+}
+
+/// Forms give the bits of the plain form at every level, and every channel with stamps takes them.
+void ExpectPlainBits(const Picture& source, const Splat& splat, const ChannelFlags& channels,
+                     std::initializer_list<Form> forms) {
+    const Picture plain = PlainGlow(source, splat, channels);
+    for (const Form form : forms) {
+        for (const simd::Level level : FastLevels()) {
+            const Fast fast = FastGlow(level, form, source, splat, channels);
+            const std::string what = std::string(FormName(form)) + ' ' + simd::LevelName(level) +
+                                     ' ' + std::to_string(source.width()) + 'x' +
+                                     std::to_string(source.height()) + " radius " +
+                                     std::to_string(splat.radius);
+            double stamps = 0.0;
+            for (const auto& channel : fast.report.channels) {
+                if (channel.stamps == 0.0) continue;
+                stamps += channel.stamps;
+                EXPECT_EQ(channel.form, form) << what;
+            }
+            EXPECT_GT(stamps, 0.0) << what;
+            EXPECT_TRUE(SameBits(fast.glow, plain)) << what;
         }
     }
 }
@@ -457,14 +481,7 @@ TEST(StampConvolution, FewLightsFarApartInPicturesOfSeveralBands) {
             }
         }
         const Splat splat = SplatOf(kernel, 9.0f);
-        const Picture plain = PlainGlow(source, splat, channels);
-        for (const Form form : {Form::kCache, Form::kDirect}) {
-            for (const simd::Level level : FastLevels()) {
-                const Fast fast = FastGlow(level, form, source, splat, channels);
-                EXPECT_TRUE(SameBits(fast.glow, plain))
-                    << FormName(form) << ' ' << simd::LevelName(level) << ' ' << width;
-            }
-        }
+        ExpectPlainBits(source, splat, channels, {Form::kCache, Form::kDirect});
     }
 }
 
@@ -477,14 +494,7 @@ TEST(StampConvolution, ShortRunsEverywhereInPicturesOfSeveralBands) {
     const Splat splat = SplatOf(kernel, 3.0f);
     const Picture plain = PlainGlow(source, splat, channels);
     const std::vector<double> exact = ExactGlow(source, splat, channels, PlainTexels(splat));
-    for (const Form form : {Form::kCache, Form::kDirect}) {
-        for (const simd::Level level : FastLevels()) {
-            const Fast fast = FastGlow(level, form, source, splat, channels);
-            EXPECT_EQ(fast.report.channels[kGreen].form, form);
-            EXPECT_TRUE(SameBits(fast.glow, plain))
-                << FormName(form) << ' ' << simd::LevelName(level);
-        }
-    }
+    ExpectPlainBits(source, splat, channels, {Form::kCache, Form::kDirect});
     const Fast first = FastGlow(simd::Level::kScalar, Form::kRunCache, source, splat, channels);
     EXPECT_EQ(first.report.channels[kGreen].form, Form::kRunCache);
     EXPECT_FALSE(SameBits(first.glow, plain)) << "no run was summed";
@@ -515,24 +525,13 @@ TEST(StampConvolution, RunsAndGapsOfAnyLength) {
         }
     }
     ASSERT_EQ(y, source.height());
-    const auto check = [&](const Picture& picture, float radius, Form form) {
-        const Splat splat = SplatOf(kernel, radius);
-        const Picture plain = PlainGlow(picture, splat, channels);
-        for (const simd::Level level : FastLevels()) {
-            const Fast fast = FastGlow(level, form, picture, splat, channels);
-            EXPECT_EQ(fast.report.channels[kBlue].form, form);
-            EXPECT_TRUE(SameBits(fast.glow, plain))
-                << FormName(form) << ' ' << simd::LevelName(level) << ' ' << radius;
-        }
-    };
-    check(source, 2.6f, Form::kCache);
-    check(source, 2.6f, Form::kDirect);
+    ExpectPlainBits(source, SplatOf(kernel, 2.6f), channels, {Form::kCache, Form::kDirect});
     // Stamps too large for the cache.
     Picture few(source.width(), 3);
     ForEachFloat(few, [&](std::int32_t x, std::int32_t row, std::int32_t c) {
         few.at(x, row, c) = source.at(x, 12 * row + 9, c);
     });
-    check(few, 900.0f, Form::kDirect);
+    ExpectPlainBits(few, SplatOf(kernel, 900.0f), channels, {Form::kDirect});
 }
 
 // Runs of more pixels than a kept run can count. Instead, rows that several bands reach are kept of
@@ -549,15 +548,7 @@ TEST(StampConvolution, RowsTooLongForKeptRuns) {
             source.at(random.whole(0, 66000), random.whole(0, height - 1), kBlue) =
                 static_cast<float>(random.whole(0, 9)) / 9.0f;
         }
-        const Picture plain = PlainGlow(source, splat, channels);
-        for (const Form form : {Form::kCache, Form::kDirect}) {
-            for (const simd::Level level : FastLevels()) {
-                const Fast fast = FastGlow(level, form, source, splat, channels);
-                EXPECT_EQ(fast.report.channels[kRed].form, form);
-                EXPECT_TRUE(SameBits(fast.glow, plain))
-                    << FormName(form) << ' ' << simd::LevelName(level) << ' ' << height;
-            }
-        }
+        ExpectPlainBits(source, splat, channels, {Form::kCache, Form::kDirect});
     }
 }
 
@@ -572,16 +563,7 @@ TEST(StampConvolution, LargeStampsInPicturesOfSeveralBands) {
         const std::int32_t y = random.whole(0, 449);
         for (std::int32_t right = x; right < x + i; ++right) source.at(right, y, kGreen) = 0.9f;
     }
-    const Splat splat = SplatOf(kernel, 150.0f);
-    const Picture plain = PlainGlow(source, splat, channels);
-    for (const Form form : {Form::kCache, Form::kDirect}) {
-        for (const simd::Level level : FastLevels()) {
-            const Fast fast = FastGlow(level, form, source, splat, channels);
-            EXPECT_EQ(fast.report.channels[kGreen].form, form);
-            EXPECT_TRUE(SameBits(fast.glow, plain))
-                << FormName(form) << ' ' << simd::LevelName(level);
-        }
-    }
+    ExpectPlainBits(source, SplatOf(kernel, 150.0f), channels, {Form::kCache, Form::kDirect});
 }
 
 // Too many runs to be kept.
@@ -596,13 +578,7 @@ TEST(StampConvolution, NoiseInPicturesOfSeveralBands) {
                 source.at(x, y, kGreen) = static_cast<float>(random.whole(0, 50)) / 50.0f;
             }
         }
-        const Splat splat = SplatOf(kernel, 3.0f);
-        const Picture plain = PlainGlow(source, splat, channels);
-        for (const simd::Level level : FastLevels()) {
-            const Fast fast = FastGlow(level, Form::kCache, source, splat, channels);
-            EXPECT_EQ(fast.report.channels[kGreen].form, Form::kCache);
-            EXPECT_TRUE(SameBits(fast.glow, plain)) << simd::LevelName(level) << ' ' << height;
-        }
+        ExpectPlainBits(source, SplatOf(kernel, 3.0f), channels, {Form::kCache});
     }
 }
 
@@ -613,12 +589,7 @@ TEST(StampConvolution, PicturesTooLargeForTheCachesAreWrittenAlike) {
     for (int i = 0; i < 50; ++i) {
         source.at(random.whole(0, 1500), random.whole(0, 799), random.whole(0, 3)) = 1.0f;
     }
-    const Splat splat = SplatOf(kernel, 3.0f);
-    const Picture plain = PlainGlow(source, splat, {});
-    for (const simd::Level level : FastLevels()) {
-        const Fast fast = FastGlow(level, Form::kCache, source, splat, {});
-        EXPECT_TRUE(SameBits(fast.glow, plain)) << simd::LevelName(level);
-    }
+    ExpectPlainBits(source, SplatOf(kernel, 3.0f), {}, {Form::kCache});
 }
 
 TEST(StampConvolution, WhatIsNotReachedIsCleared) {
